@@ -1,0 +1,117 @@
+#include "CommonUtils.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t kFirstCapacity = kMaxFormattedLength + 1;
+
+// A formatter that fails for another reason than space would fail at every size.
+constexpr std::size_t kLastCapacity = 64 * kFirstCapacity;
+
+constexpr std::size_t kDebugBufferSize = 1024;
+
+std::string FormatArguments(const char* zFormat, std::va_list zArguments) {
+    for (std::size_t capacity = kFirstCapacity; capacity <= kLastCapacity; capacity *= 2) {
+        std::vector<char> buffer(capacity | 1U, '\0');
+        std::va_list arguments;
+        va_copy(arguments, zArguments);
+        const int length = std::vsnprintf(buffer.data(), capacity, zFormat, arguments);
+        va_end(arguments);
+        if (length >= 0) {
+            std::string text = buffer.data();
+            text.resize(std::min(text.size(), kMaxFormattedLength));
+            return text;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+void AddTrailingSeparator(std::string& zrPath) {
+    if (zrPath.empty() || zrPath.back() == '/') {
+        return;
+    }
+    if (zrPath.back() == '\\') {
+        zrPath.pop_back();
+    }
+    zrPath += '/';
+}
+
+void RemoveLastComponent(std::string& zrPath) {
+    const std::size_t separator = zrPath.find_last_of("/\\");
+    zrPath.resize(separator == std::string::npos ? 0 : separator);
+}
+
+void TruncateText(std::string& zrText, int zCount) {
+    const auto length = static_cast<long long>(zrText.size());
+    const long long kept = zCount < 0 ? length + zCount : zCount;
+    zrText.resize(static_cast<std::size_t>(std::clamp(kept, 0LL, length)));
+}
+
+std::string GetExtension(const std::string& zPath) {
+    const std::size_t mark = zPath.find_last_of("./\\");
+    if (mark == std::string::npos || zPath[mark] != '.') {
+        return {};
+    }
+    return zPath.substr(mark + 1);
+}
+
+std::string FormatString(const char* zFormat, ...) {
+    if (zFormat == nullptr) {
+        return {};
+    }
+    std::va_list arguments;
+    va_start(arguments, zFormat);
+    std::string text = FormatArguments(zFormat, arguments);
+    va_end(arguments);
+    return text;
+}
+
+std::string ExpandTemplate(const std::string& zTemplate) {
+    std::string text;
+    text.reserve(zTemplate.size());
+    for (std::size_t i = 0; i < zTemplate.size(); ++i) {
+        text += zTemplate[i];
+        if (zTemplate.compare(i, 2, "%%") == 0) {
+            ++i;
+        }
+    }
+    return text;
+}
+
+void DebugPrintf(const char* zFormat, ...) {
+    static std::array<char, kDebugBufferSize> buffer;
+    if (zFormat == nullptr) {
+        return;
+    }
+    buffer.back() = '\0';
+    std::va_list arguments;
+    va_start(arguments, zFormat);
+    std::vsnprintf(buffer.data(), buffer.size(), zFormat, arguments);
+    va_end(arguments);
+    // The last byte is the guard: a formatter that ends every text within the buffer leaves it 0.
+    if (buffer.back() != '\0') {
+        DebugPrint("Printf buffer overflow\n");
+        buffer.back() = '\0';
+    }
+    DebugPrint(buffer.data());
+}
+
+void DebugPrint(const std::string& zText) {
+    std::fprintf(stdout, "%s", zText.c_str());
+    // Standard output may be a pipe, in which a diagnostic should not wait for company.
+    std::fflush(stdout);
+}
+
+void AssertFail(const char* zFormat, const char* zFile, unsigned zLine, const char* zCondition) {
+    std::fprintf(stderr, zFormat, zFile, zLine, zCondition);
+    std::fflush(stderr);
+    std::abort();
+}
