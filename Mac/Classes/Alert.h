@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+class QWidget;
+
+/// The buttons of an alert; the first one is the default. Any other kind shows the toolkit's own button.
+enum { AlertOk = 0, AlertYesNo = 1, AlertOkCancel = 2 };
+
+/// Shows an alert and blocks, pumping the event loop, until it is answered. zMessage is a template without
+/// arguments ("%%" is shown as "%"). Returns 1 for the first button, 0 for the second, for closing the alert
+/// and for quitting.
+int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage, int zKind);

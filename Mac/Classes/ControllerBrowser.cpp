@@ -1,0 +1,265 @@
+#include "Controller.h"
+
+#include "CommonUtils.h"
+#include "CommonUtils_OSX.h"
+#include "DeviceTableView.h"
+#include "ThemeIcon.h"
+#include "WidgetText.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtWidgets/QHeaderView>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+#include <utility>
+
+namespace {
+
+constexpr int kTypeColumn = 1;
+
+const std::string& ValueOf(const sTableEntry& zEntry, const std::string& zColumn) {
+    static const std::map<std::string, std::string sTableEntry::*> kValues = {
+        {"Name", &sTableEntry::Name},
+        {"Type", &sTableEntry::Type},
+        {"Date Modified", &sTableEntry::DateModified},
+    };
+    static const std::string kNothing;
+    const auto value = kValues.find(zColumn);
+    return value == kValues.end() ? kNothing : zEntry.*(value->second);
+}
+
+/// Icon names of the desktop themes, by a file's lower-case extension.
+std::string IconNameForExtension(const std::string& zExtension) {
+    static const std::map<QString, std::string> kNames = {
+        {"wav", "audio-x-generic"},  {"aif", "audio-x-generic"}, {"aiff", "audio-x-generic"},
+        {"aifc", "audio-x-generic"}, {"mp3", "audio-x-generic"}, {"flac", "audio-x-generic"},
+        {"ogg", "audio-x-generic"},  {"jpg", "image-x-generic"}, {"jpeg", "image-x-generic"},
+        {"png", "image-x-generic"},  {"gif", "image-x-generic"}, {"mp4", "video-x-generic"},
+        {"zip", "package-x-generic"}};
+    const auto name = kNames.find(ToWidgetText(zExtension).toLower());
+    return name == kNames.end() ? "text-x-generic" : name->second;
+}
+
+} // namespace
+
+// --- Rows ---
+
+void Controller::RemoveAllRows() {
+    mTableEntries.clear();
+    tableView->clearSelection();
+    SetEmptyText("");
+    mpTableModel->Reload();
+}
+
+sTableEntry Controller::MakeTableEntry(const cClientProtocol::cDeviceFileInfo& zrInfo) const {
+    sTableEntry entry;
+    entry.Name = zrInfo.mName;
+    entry.Type =
+        zrInfo.mIsFolder ? Translated("Folder") : GetExtension(zrInfo.mName) + " " + Translated("file");
+    entry.DateModified = zrInfo.mIsFolder ? std::string() : zrInfo.mDate;
+    entry.FileInfo = FileInfoValue(&zrInfo);
+    return entry;
+}
+
+bool Controller::IsShown(const cClientProtocol::cDeviceFileInfo& zrInfo) const {
+    return zrInfo.mIsFolder || mFileTypes == "*" || SameTextNoCase(GetExtension(zrInfo.mName), mFileTypes);
+}
+
+/// Every new listing starts out sorted by type, whatever order the last one was left in.
+void Controller::ShowCurrentListing() {
+    mTableEntries.clear();
+    for (const auto& info : mCurrentDirList.mFile) {
+        if (IsShown(info)) {
+            mTableEntries.push_back(MakeTableEntry(info));
+        }
+    }
+    mShownRights = mpSocket->GetDirRights();
+    ShowConnected(); // in place of what an operation that has ended by now had to say
+    SetDirectoryText(mCurrentDirList.mDir);
+    SetEmptyText(mTableEntries.empty() ? "This folder is empty" : "");
+    tableView->sortByColumn(kTypeColumn, Qt::AscendingOrder);
+}
+
+void Controller::ShowFailedListing() {
+    mShownRights = kRightReadOnly; // nothing is known of the folder
+    if (IsConnected()) {
+        SetDirectoryText(mCurrentDirList.mDir);
+        SetEmptyText("The folder could not be listed. Press F5 to list this folder.");
+    }
+}
+
+void Controller::SetEmptyText(const char* zText) {
+    tableView->SetPlaceholder(*zText == '\0' ? QString() : QCoreApplication::translate("Quillbox", zText));
+}
+
+const cClientProtocol::cDeviceFileInfo* Controller::RecordAt(int zRow) const {
+    if (zRow < 0 || zRow >= numberOfRowsInTableView()) {
+        return nullptr;
+    }
+    const auto& value = mTableEntries[static_cast<std::size_t>(zRow)].FileInfo;
+    return value ? value->mpFileInfo : nullptr;
+}
+
+std::vector<int> Controller::SelectedRows() const {
+    std::vector<int> rows;
+    for (const QModelIndex& index : tableView->selectionModel()->selectedRows()) {
+        rows.push_back(index.row());
+    }
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+// --- Folders ---
+
+void Controller::SetCurrentDirectory(const std::string& zPath) {
+    RemoveAllRows();
+    if (!IsConnected()) {
+        return;
+    }
+    const auto session = InitProgressDialogue(Translated("Reading Folder Contents"));
+    if (GetDirectoryContents(session.get(), zPath)) {
+        ShowCurrentListing();
+    } else {
+        ShowFailedListing();
+    }
+    CloseProgress(*session);
+    UpdateControls();
+}
+
+void Controller::SetDirectoryText(const std::string& zText) {
+    const QString text = ToWidgetText("/" + zText);
+    mpDirectoryText->setText(text);
+    mpDirectoryText->setAccessibleDescription(text);
+}
+
+void Controller::OpenFolder(const std::string& zPath) {
+    if (mpSocket->CommandFits(cClientProtocol::eCommand::kDir, zPath)) {
+        SetCurrentDirectory(zPath);
+    } else {
+        SetStatusText(GetFileName(zPath) + " - " + Translated("Path too long"));
+    }
+}
+
+void Controller::OnTableViewDoubleClick() {
+    const auto* info = RecordAt(tableView->currentIndex().row());
+    if (!IsConnected() || info == nullptr || !info->mIsFolder) {
+        return;
+    }
+    std::string path = mCurrentDirList.mDir;
+    AddTrailingSeparator(path);
+    OpenFolder(path + info->mName);
+}
+
+void Controller::OnBackButton() {
+    if (!IsConnected() || mCurrentDirList.mDir.empty()) {
+        return;
+    }
+    std::string path = mCurrentDirList.mDir;
+    if (path.back() == '/' || path.back() == '\\') {
+        path.pop_back();
+    }
+    RemoveLastComponent(path);
+    SetCurrentDirectory(path);
+}
+
+void Controller::OnRefresh() {
+    if (IsConnected()) {
+        SetCurrentDirectory(mCurrentDirList.mDir);
+    }
+}
+
+// --- The table's questions ---
+
+int Controller::numberOfRowsInTableView() const {
+    return static_cast<int>(mTableEntries.size());
+}
+
+std::string Controller::tableViewObjectValueForTableColumn(const std::string& zColumn, int zRow) const {
+    const bool known = zRow >= 0 && zRow < numberOfRowsInTableView();
+    return known ? ValueOf(mTableEntries[static_cast<std::size_t>(zRow)], zColumn) : std::string();
+}
+
+bool Controller::tableViewShouldSelectRow(int zRow) const {
+    const auto* info = RecordAt(zRow);
+    return mSuperUser || info == nullptr || !info->mIsFolder;
+}
+
+bool Controller::tableViewShouldShowCellExpansionForTableColumn(const std::string& /*zColumn*/,
+                                                                int /*zRow*/) const {
+    return false;
+}
+
+std::string Controller::tableViewIconNameForRow(int zRow) const {
+    const auto* info = RecordAt(zRow);
+    if (info == nullptr || info->mIsFolder) {
+        return "folder";
+    }
+    return IconNameForExtension(GetExtension(info->mName));
+}
+
+void Controller::tableViewSortDescriptorsDidChange(const sSortDescriptor& zDescriptor) {
+    std::vector<std::pair<QString, sTableEntry>> rows;
+    rows.reserve(mTableEntries.size());
+    for (sTableEntry& entry : mTableEntries) {
+        const QString key = ToWidgetText(ValueOf(entry, zDescriptor.key)).toCaseFolded();
+        rows.emplace_back(key, std::move(entry));
+    }
+    // Stable both ways: rows of equal value keep the device's order.
+    std::stable_sort(rows.begin(), rows.end(), [&](const auto& left, const auto& right) {
+        return zDescriptor.ascending ? left.first < right.first : right.first < left.first;
+    });
+    std::transform(rows.begin(), rows.end(), mTableEntries.begin(),
+                   [](auto& row) { return std::move(row.second); });
+    tableView->clearSelection();
+    mpTableModel->Reload();
+}
+
+void Controller::tableViewSelectionDidChange() {
+    UpdateControls();
+}
+
+void Controller::tableViewColumnDidResize() {
+    tableView->viewport()->update();
+}
+
+// --- Enabled states ---
+
+void Controller::UpdateControls() {
+    const bool connected = IsConnected();
+    mpConnectButton->setText(QCoreApplication::translate("Quillbox", connected ? "Dis&connect" : "&Connect"));
+    mpConnectButton->setIcon(ThemeIcon(connected ? "network-disconnect" : "network-connect"));
+    mpDirectoryText->setEnabled(connected);
+    tableView->setEnabled(connected);
+    if (connected) {
+        UpdateConnectedControls();
+    } else {
+        UpdateDisconnectedControls();
+    }
+    mrWindow.MirrorButtons(connected);
+}
+
+void Controller::UpdateConnectedControls() {
+    const std::vector<int> rows = SelectedRows();
+    const bool allDeletable = std::all_of(rows.begin(), rows.end(), [this](int row) {
+        const auto* info = RecordAt(row);
+        return info != nullptr && (info->mRights & kRightDelete) != 0;
+    });
+    mpCreateFolderButton->setEnabled((mShownRights & kRightCreate) != 0);
+    mpUploadButton->setEnabled((mShownRights & kRightReadOnly) == 0);
+    mpDeleteButton->setEnabled(!rows.empty() && allDeletable);
+    mpDownloadButton->setEnabled(!rows.empty());
+    mpBackButton->setEnabled(!mCurrentDirList.mDir.empty());
+}
+
+void Controller::UpdateDisconnectedControls() {
+    for (QPushButton* button :
+         {mpCreateFolderButton, mpDeleteButton, mpUploadButton, mpDownloadButton, mpBackButton}) {
+        button->setEnabled(false);
+    }
+    SetDirectoryText("");
+    SetEmptyText("Press Connect, then choose your device or type its address.\n"
+                 "The device and this computer must be on the same network.");
+}

@@ -1,0 +1,367 @@
+#include "Controller.h"
+
+#include "CommonUtils.h"
+#include "CommonUtils_OSX.h"
+#include "CopyFolderController.h"
+#include "Settings.h"
+#include "WidgetText.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QLocale>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace {
+
+using tFileInfo = cClientProtocol::cDeviceFileInfo;
+using eCommand = cClientProtocol::eCommand;
+
+/// A longer name would not leave room for the rest of its line.
+constexpr int kLoggedLength = 255;
+
+/// Tells on standard output what a download leaves out without telling it on the screen.
+void LogSkipped(const std::string& zName, const char* zReason) {
+    std::string name = zName;
+    TruncateText(name, kLoggedLength);
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
+    DebugPrintf("Skipped '%s': %s\n", name.c_str(), zReason);
+}
+
+/// A name from a device becomes a local path only if it stays one entry of the destination folder.
+bool IsPlainEntryName(const std::string& zName) {
+    return !zName.empty() && zName != "." && zName != ".." && zName.find('/') == std::string::npos &&
+           zName.find('\0') == std::string::npos;
+}
+
+std::string DevicePathIn(const std::string& zFolder, const std::string& zName) {
+    std::string path = zFolder;
+    AddTrailingSeparator(path);
+    return path + zName;
+}
+
+/// Not AddTrailingSeparator: a backslash belongs to the name of a local folder, and without it "..\" would
+/// lead out of the destination.
+std::string LocalPathIn(const std::string& zFolder, const std::string& zName) {
+    return zFolder + (zFolder.ends_with('/') ? "" : "/") + zName;
+}
+
+std::string ErrorFor(const std::string& zName, const std::string& zReason) {
+    return zName + " - " + Translated(zReason);
+}
+
+/// Modulo 2^32, like every total of a download.
+std::uint32_t Size(const tFileInfo& zInfo) {
+    return static_cast<std::uint32_t>(zInfo.mSize);
+}
+
+std::uint32_t ListingTotal(const cDeviceDirList& zList) {
+    std::uint32_t total = 0;
+    for (const tFileInfo& info : zList.mFile) {
+        total += Size(info);
+    }
+    return total;
+}
+
+} // namespace
+
+struct Controller::sDownload {
+    ModalSession* session;
+    std::uint32_t totalFileSize; ///< bytes of the whole download, 0 when unknown
+    std::string errorStr = {};
+    std::uint32_t numBytesCopied = 0;
+    bool overwriteAll = false;
+};
+
+/// How far one listing of a download has come.
+struct Controller::sListingProgress {
+    std::uint32_t total; ///< bytes of the listing
+    std::uint32_t done = 0;
+};
+
+// --- The button ---
+
+void Controller::OnDownloadButton() {
+    if (!IsConnected()) {
+        return;
+    }
+    if (SelectedRows().empty()) {
+        ShowMessage("No files selected", Translated("Please select the files you wish to download"));
+        return;
+    }
+    const cDeviceDirList list = SelectedRecords();
+    std::string destination;
+    if (list.mFile.empty() || !ChooseDestination(destination)) {
+        return;
+    }
+    GetSettings().RecentDownloadPath = destination;
+    const std::string error = DownloadFiles(destination, list);
+    if (!error.empty()) {
+        ShowMessage("Download failed", error);
+    }
+}
+
+cDeviceDirList Controller::SelectedRecords() const {
+    cDeviceDirList list;
+    list.mDir = mCurrentDirList.mDir;
+    for (const int row : SelectedRows()) {
+        const tFileInfo* info = RecordAt(row);
+        if (info == nullptr) {
+            continue;
+        }
+        if (info->mSize >= 1) {
+            list.mFile.push_back(*info);
+        } else {
+            LogSkipped(info->mName, "it has no size");
+        }
+    }
+    return list;
+}
+
+bool Controller::ChooseDestination(std::string& zrDestination) {
+    sOpenPanelRequest request;
+    request.title = Translated("Choose file download destination folder");
+    request.canChooseFiles = false;
+    request.canChooseFolders = true;
+    request.canCreateFolders = true;
+    request.allowsMultiple = false;
+    if (!mSuperUser) {
+        request.allowedTypes = {"wav", "aif"};
+    }
+    const std::string& recent = GetSettings().RecentDownloadPath;
+    request.initialFolder = recent.empty() ? FromWidgetText(QDir::homePath()) : recent;
+
+    const std::vector<std::string> chosen = mrPanel.Run(&mrWindow, request);
+    if (chosen.empty() || mTerminating) {
+        return false;
+    }
+    zrDestination = chosen.front();
+    return !zrDestination.empty();
+}
+
+// --- The whole download ---
+
+std::string Controller::DownloadFiles(const std::string& zDestination,
+                                      const cDeviceDirList& zrDeviceFileList) {
+    if (!IsConnected()) {
+        return Translated("Connection has been closed");
+    }
+    if (mpSocket->GetState() != FTS_IDLE && mpSocket->GetState() != FTS_ERROR) {
+        return Translated("Waiting for operation to finish"); // a cancelled one, whose reply is still due
+    }
+    std::uint32_t total = 0;
+    if (!MeasureDownload(zrDeviceFileList, total)) {
+        return {};
+    }
+    const std::string title = FormatString(Translated("Downloading to '%s'").c_str(), zDestination.c_str());
+    auto session = InitProgressDialogue(title);
+    sDownload download{session.get(), total};
+    const bool walked = DownloadFilesRecurse(zDestination, zrDeviceFileList, download);
+    const bool cancelled = !walked && download.errorStr.empty();
+    if (cancelled || progressDlg->GetCancelled()) {
+        // What is left to do is a listing, which people can cancel again.
+        session = InitProgressDialogue(title);
+    }
+    RefreshAfterTransfer(*session, zrDeviceFileList.mDir);
+    CloseProgress(*session);
+    UpdateControls();
+    return download.errorStr;
+}
+
+/// False when people cancelled while the size of a folder was asked for.
+bool Controller::MeasureDownload(const cDeviceDirList& zrList, std::uint32_t& zrTotal) {
+    if (!mpSocket->SupportsDirRecurse()) {
+        return true;
+    }
+    for (const tFileInfo& info : zrList.mFile) {
+        std::uint32_t size = info.mIsFolder ? 0 : Size(info);
+        std::int32_t numFiles = 0;
+        const bool asked =
+            info.mIsFolder && GetDirRecurseInfo(DevicePathIn(zrList.mDir, info.mName), size, numFiles);
+        if (asked && progressDlg->GetCancelled()) {
+            return false;
+        }
+        zrTotal += size;
+    }
+    return true;
+}
+
+void Controller::RefreshAfterTransfer(ModalSession& zrSession, const std::string& zPath) {
+    RemoveAllRows();
+    if (GetDirectoryContents(&zrSession, zPath)) {
+        ShowCurrentListing();
+    } else {
+        ShowFailedListing();
+    }
+}
+
+// --- One folder of it ---
+
+bool Controller::DownloadFilesRecurse(const std::string& zDestination, const cDeviceDirList& zrDeviceFileList,
+                                      sDownload& zrDownload) {
+    sListingProgress progress{ListingTotal(zrDeviceFileList)};
+    for (const tFileInfo& info : zrDeviceFileList.mFile) {
+        if (!MayGoOn(zrDownload)) {
+            return false;
+        }
+        if (!IsPlainEntryName(info.mName)) {
+            LogSkipped(info.mName, "not a file name");
+            continue;
+        }
+        const bool goOn = info.mIsFolder
+                              ? DownloadFolder(zDestination, zrDeviceFileList.mDir, info, zrDownload)
+                              : DownloadFile(zDestination, zrDeviceFileList.mDir, info, progress, zrDownload);
+        if (!goOn) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Between any two steps people may have cancelled, and the connection may be lost or useless.
+bool Controller::MayGoOn(sDownload& zrDownload) {
+    if (progressDlg->GetCancelled()) {
+        return false;
+    }
+    if (!IsConnected() || mpSocket->GetState() == FTS_ERROR) {
+        zrDownload.errorStr = LostTransferText();
+        return false;
+    }
+    return true;
+}
+
+bool Controller::DownloadFolder(const std::string& zDestination, const std::string& zDeviceDir,
+                                const tFileInfo& zInfo, sDownload& zrDownload) {
+    const std::string localPath = LocalPathIn(zDestination, zInfo.mName);
+    const std::string devicePath = DevicePathIn(zDeviceDir, zInfo.mName);
+    if (!mpSocket->CommandFits(eCommand::kDir, devicePath)) {
+        zrDownload.errorStr = ErrorFor(zInfo.mName, "Path too long");
+        return false;
+    }
+    if (!FileExists(localPath)) {
+        MakeFolder(localPath);
+    }
+    cDeviceDirList list;
+    if (GetDirectoryContents(zrDownload.session, devicePath, &list)) {
+        return DownloadFilesRecurse(localPath, list, zrDownload);
+    }
+    if (!MayGoOn(zrDownload)) {
+        return false;
+    }
+    LogSkipped(devicePath, "the folder cannot be listed");
+    return true;
+}
+
+bool Controller::DownloadFile(const std::string& zDestination, const std::string& zDeviceDir,
+                              const tFileInfo& zInfo, sListingProgress& zrProgress, sDownload& zrDownload) {
+    const std::string localPath = LocalPathIn(zDestination, zInfo.mName);
+    std::string problem = ObstacleTo(localPath, zDeviceDir, zInfo.mName);
+    const int answer = problem.empty() ? AskForPlace(localPath, zrDownload) : CopyYes;
+    if (answer == CopyCancel) {
+        return false;
+    }
+    if (!MayGoOn(zrDownload)) {
+        return false;
+    }
+    if (answer == CopyNo) {
+        return true;
+    }
+    if (problem.empty()) {
+        problem = mpSocket->Download(localPath, zDeviceDir, zInfo.mName);
+    }
+    if (!problem.empty()) {
+        zrDownload.errorStr = ErrorFor(zInfo.mName, problem);
+        return false;
+    }
+    const bool goOn = WaitForDownload(zInfo, zrProgress, zrDownload);
+    if (goOn && !mpSocket->HasStoredFile()) {
+        LogSkipped(zInfo.mName, "the device sent nothing");
+    }
+    return goOn;
+}
+
+/// What would make the download of a file fail before anything is fetched; "" when nothing would.
+std::string Controller::ObstacleTo(const std::string& zLocalPath, const std::string& zDeviceDir,
+                                   const std::string& zName) const {
+    if (!mpSocket->CommandFits(eCommand::kDownload, zDeviceDir, zName)) {
+        return "Path too long";
+    }
+    return IsFolder(zLocalPath) ? "Could not open file" : "";
+}
+
+/// Asks before anything that exists is lost: the file itself, and what stands where it arrives.
+int Controller::AskForPlace(const std::string& zLocalPath, sDownload& zrDownload) {
+    int answer = CopyYes;
+    for (const std::string& path : {zLocalPath, zLocalPath + ".tmp"}) {
+        // A link that leads nowhere and a file that cannot be read would be lost as well.
+        std::error_code ignored;
+        const bool isTaken =
+            std::filesystem::exists(std::filesystem::symlink_status(path, ignored)) && !IsFolder(path);
+        if (isTaken && answer == CopyYes && !zrDownload.overwriteAll) {
+            answer = AskToOverwrite(path);
+            zrDownload.overwriteAll = answer == CopyYesToAll;
+        }
+    }
+    return answer;
+}
+
+int Controller::AskToOverwrite(const std::string& zLocalPath) {
+    CopyFolderController prompt(&mrWindow);
+    prompt.setText(false, zLocalPath);
+    CentreOverWindow(prompt);
+    ModalSession::RunModal(prompt);
+    prompt.close();
+    return prompt.GetResult();
+}
+
+bool Controller::WaitForDownload(const tFileInfo& zInfo, sListingProgress& zrProgress,
+                                 sDownload& zrDownload) {
+    eReply reply = StillWaiting;
+    while (reply == StillWaiting) {
+        const float progress = mpSocket->GetProgress();
+        progressDlg->SetProgress(ExpandTemplate(zInfo.mName),
+                                 DownloadPosition(zInfo, progress, zrProgress, zrDownload));
+        progressDlg->SetDetails(AmountText(zInfo, progress, zrDownload));
+        reply = CheckForReply(zrDownload.session);
+    }
+    if (reply == FailedOrDisconnected) {
+        zrDownload.errorStr = LostTransferText();
+        return false;
+    }
+    if (reply == Cancelled) {
+        DisconnectDevice();
+        ConnectDevice(mCurrentDirList.mDir);
+        return false;
+    }
+    zrDownload.numBytesCopied += Size(zInfo);
+    zrProgress.done += Size(zInfo);
+    return true;
+}
+
+/// How much of the whole download is done; "" where the whole is unknown.
+std::string Controller::AmountText(const tFileInfo& zInfo, float zFileProgress, const sDownload& zDownload) {
+    if (zDownload.totalFileSize == 0) {
+        return {};
+    }
+    const auto current = static_cast<qint64>(static_cast<float>(zInfo.mSize) * zFileProgress);
+    const auto total = static_cast<qint64>(zDownload.totalFileSize);
+    const qint64 done = std::clamp(zDownload.numBytesCopied + current, qint64{0}, total);
+    const QLocale locale;
+    return FromWidgetText(QCoreApplication::translate("Quillbox", "%1 of %2")
+                              .arg(locale.formattedDataSize(done, 1), locale.formattedDataSize(total, 1)));
+}
+
+float Controller::DownloadPosition(const tFileInfo& zInfo, float zFileProgress,
+                                   const sListingProgress& zProgress, const sDownload& zDownload) {
+    const float current = static_cast<float>(zInfo.mSize) * zFileProgress;
+    if (zDownload.totalFileSize != 0) {
+        return (static_cast<float>(zDownload.numBytesCopied) + current) /
+               static_cast<float>(zDownload.totalFileSize);
+    }
+    if (zProgress.total == 0) {
+        return 0.0F;
+    }
+    return (current + static_cast<float>(zProgress.done)) / static_cast<float>(zProgress.total);
+}

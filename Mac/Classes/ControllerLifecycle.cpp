@@ -1,0 +1,90 @@
+#include "Controller.h"
+
+#include "Alert.h"
+#include "DeviceTableView.h"
+#include "Settings.h"
+#include "UserGuide.h"
+#include "WidgetText.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtWidgets/QHeaderView>
+
+namespace {
+
+constexpr std::int32_t kDevicePort = 10240;
+constexpr int kRowHeight = 20;
+
+} // namespace
+
+Controller::Controller(MainWindow& zrWindow, OpenPanel& zrPanel)
+    : Controller(zrWindow, zrPanel, zrWindow.Controls()) {}
+
+Controller::Controller(MainWindow& zrWindow, OpenPanel& zrPanel, const sMainWindowControls& zControls)
+    : mrWindow(zrWindow), mrPanel(zrPanel), bgView(zControls.bgView),
+      mpConnectButton(zControls.connectButton), mpBackButton(zControls.backButton),
+      mpCreateFolderButton(zControls.createFolderButton), mpDeleteButton(zControls.deleteButton),
+      mpUploadButton(zControls.uploadButton), mpDownloadButton(zControls.downloadButton),
+      tableView(zControls.tableView), mpTableModel(zControls.tableModel), mpStatusText(zControls.statusText),
+      mpDirectoryText(zControls.directoryText) {}
+
+Controller::~Controller() {
+    mrWindow.Detach();
+}
+
+void Controller::applicationDidFinishLaunching() {
+    mSuperUser = false;
+    GetSettings();
+    progressDlg = std::make_unique<ProgressController>(&mrWindow);
+    mpSocket = std::make_unique<cSocketClientProtocol>(*this);
+    mpAdmission = std::make_unique<cReceiveAdmission>(*mpSocket);
+    mrWindow.Attach(*this);
+    tableView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    tableView->verticalHeader()->setDefaultSectionSize(kRowHeight);
+    mPortNumber = kDevicePort;
+    UpdateControls();
+    SetStatusText("Press the 'Connect' button to begin");
+}
+
+bool Controller::applicationShouldTerminate() {
+    if (!mTerminating) {
+        mTerminating = true;
+        GetSettings().Save();
+        DisconnectDevice();
+        // The client outlives this call: loops further up the stack end by looking at it.
+        ModalSession::StopAll();
+        QCoreApplication::exit(0);
+    }
+    return true;
+}
+
+void Controller::changeTransparency(double zOpacity) {
+    mrWindow.setWindowOpacity(zOpacity);
+}
+
+void Controller::Perform(void (Controller::*zOperation)()) {
+    if (mPerforming || mTerminating || ModalSession::IsRunning()) {
+        return;
+    }
+    mPerforming = true;
+    (this->*zOperation)();
+    mPerforming = false;
+}
+
+void Controller::OnAbout() {
+    ShowMessage("Quillbox " + FromWidgetText(QCoreApplication::applicationVersion()),
+                Translated("Browses your device on the network and copies files to this computer."));
+}
+
+void Controller::OnUserGuide() {
+    OpenUserGuide();
+}
+
+void Controller::OnNotYetAvailable() {
+    SetStatusText("This version cannot do that yet");
+}
+
+void Controller::ShowMessage(const std::string& zTitle, const std::string& zMessage) {
+    if (!mTerminating) {
+        ShowAlert(&mrWindow, Translated(zTitle), zMessage, AlertOk);
+    }
+}

@@ -1,0 +1,142 @@
+#include "MainWindow.h"
+
+#include "Controller.h"
+#include "DeviceTableView.h"
+#include "TableModel.h"
+#include "ThemeIcon.h"
+#include "WidgetText.h"
+#include "ui_MainWindow.h"
+
+#include <QtGui/QCloseEvent>
+#include <QtWidgets/QHeaderView>
+
+namespace {
+
+constexpr int kNameWidth = 420;
+constexpr int kTypeWidth = 130;
+constexpr int kDateWidth = 160;
+
+std::vector<sTableColumn> DeviceColumns() {
+    return {{"Name", Translated("Name")},
+            {"Type", Translated("Type")},
+            {"Date Modified", Translated("Date Modified")},
+            {"waveform", Translated("Waveform")}};
+}
+
+} // namespace
+
+MainWindow::MainWindow()
+    : mpUi(std::make_unique<Ui::MainWindow>()), mpModel(new TableModel(DeviceColumns(), this)) {
+    mpUi->setupUi(this);
+    SetUpTable();
+    SetUpIcons();
+    // A line of text, not a field: the window shows through.
+    QPalette flat = mpUi->statusText->palette();
+    flat.setColor(QPalette::Base, Qt::transparent);
+    mpUi->statusText->setPalette(flat);
+    // Set here, not in the layout file: Back has two keys.
+    mpUi->backAction->setShortcuts({QKeySequence(Qt::Key_Backspace), QKeySequence(Qt::ALT | Qt::Key_Up)});
+}
+
+MainWindow::~MainWindow() = default;
+
+sMainWindowControls MainWindow::Controls() const {
+    return {mpUi->bgView,
+            mpUi->connectButton,
+            mpUi->backButton,
+            mpUi->createFolderButton,
+            mpUi->deleteButton,
+            mpUi->uploadButton,
+            mpUi->downloadButton,
+            mpUi->tableView,
+            mpModel,
+            mpUi->statusText,
+            mpUi->directoryText};
+}
+
+void MainWindow::SetUpTable() {
+    mpUi->tableView->setModel(mpModel);
+    QHeaderView* header = mpUi->tableView->horizontalHeader();
+    header->setSortIndicator(1, Qt::AscendingOrder);
+    header->resizeSection(0, kNameWidth);
+    header->resizeSection(1, kTypeWidth);
+    header->resizeSection(2, kDateWidth);
+    header->setStretchLastSection(true);
+}
+
+void MainWindow::SetUpIcons() {
+    mpUi->connectButton->setIcon(ThemeIcon("network-connect"));
+    mpUi->backButton->setIcon(ThemeIcon("go-up"));
+    mpUi->createFolderButton->setIcon(ThemeIcon("folder-new"));
+    mpUi->deleteButton->setIcon(ThemeIcon("edit-delete"));
+    mpUi->uploadButton->setIcon(ThemeIcon("document-send"));
+    mpUi->downloadButton->setIcon(ThemeIcon("document-save"));
+}
+
+void MainWindow::Attach(Controller& zrController) {
+    mpController = &zrController;
+    mpWiring = std::make_unique<QObject>();
+    mpModel->SetDataSource(mpController);
+    Connect(mpUi->connectButton, mpUi->connectAction, &Controller::OnConnectButton);
+    Connect(mpUi->backButton, mpUi->backAction, &Controller::OnBackButton);
+    Connect(mpUi->createFolderButton, mpUi->createFolderAction, &Controller::OnNotYetAvailable);
+    Connect(mpUi->deleteButton, mpUi->deleteAction, &Controller::OnNotYetAvailable);
+    Connect(mpUi->uploadButton, mpUi->uploadAction, &Controller::OnNotYetAvailable);
+    Connect(mpUi->downloadButton, mpUi->downloadAction, &Controller::OnDownloadButton);
+    ConnectTable();
+    ConnectMenu();
+    connect(mpUi->transparencySlider, &QSlider::valueChanged, mpWiring.get(), [this](int zPercent) {
+        mpController->changeTransparency(static_cast<double>(zPercent) / 100.0);
+    });
+}
+
+void MainWindow::Detach() {
+    mpWiring.reset();
+    mpModel->SetDataSource(nullptr);
+    mpController = nullptr;
+}
+
+void MainWindow::Connect(QPushButton* zpButton, QAction* zpAction, tOperation zOperation) {
+    mTwins.push_back({zpButton, zpAction});
+    connect(zpButton, &QPushButton::clicked, mpWiring.get(),
+            [this, zOperation] { mpController->Perform(zOperation); });
+    connect(zpAction, &QAction::triggered, mpWiring.get(),
+            [this, zOperation] { mpController->Perform(zOperation); });
+}
+
+void MainWindow::ConnectTable() {
+    const auto open = [this] { mpController->Perform(&Controller::OnTableViewDoubleClick); };
+    connect(mpUi->tableView, &DeviceTableView::doubleClicked, mpWiring.get(), open);
+    connect(mpUi->tableView, &DeviceTableView::rowOpened, mpWiring.get(), open);
+    connect(mpUi->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, mpWiring.get(),
+            [this] { mpController->tableViewSelectionDidChange(); });
+    connect(mpUi->tableView->horizontalHeader(), &QHeaderView::sectionResized, mpWiring.get(),
+            [this] { mpController->tableViewColumnDidResize(); });
+}
+
+void MainWindow::ConnectMenu() {
+    connect(mpUi->refreshAction, &QAction::triggered, mpWiring.get(),
+            [this] { mpController->Perform(&Controller::OnRefresh); });
+    connect(mpUi->userGuideAction, &QAction::triggered, mpWiring.get(),
+            [this] { mpController->Perform(&Controller::OnUserGuide); });
+    connect(mpUi->aboutAction, &QAction::triggered, mpWiring.get(),
+            [this] { mpController->Perform(&Controller::OnAbout); });
+    connect(mpUi->quitAction, &QAction::triggered, mpWiring.get(),
+            [this] { mpController->applicationShouldTerminate(); });
+}
+
+void MainWindow::MirrorButtons(bool zConnected) {
+    for (const sTwin& twin : mTwins) {
+        twin.action->setText(twin.button->text());
+        twin.action->setIcon(twin.button->icon());
+        twin.action->setEnabled(twin.button->isEnabled());
+    }
+    mpUi->refreshAction->setEnabled(zConnected);
+}
+
+void MainWindow::closeEvent(QCloseEvent* zpEvent) {
+    if (mpController != nullptr && mpController->applicationShouldTerminateAfterLastWindowClosed()) {
+        mpController->applicationShouldTerminate();
+    }
+    zpEvent->accept();
+}

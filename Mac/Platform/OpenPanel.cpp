@@ -1,0 +1,59 @@
+#include "OpenPanel.h"
+
+#include "ModalSession.h"
+#include "WidgetText.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtWidgets/QFileDialog>
+
+namespace {
+
+QFileDialog::FileMode FileModeOf(const sOpenPanelRequest& zrRequest) {
+    if (!zrRequest.canChooseFiles) {
+        return QFileDialog::Directory;
+    }
+    return zrRequest.allowsMultiple ? QFileDialog::ExistingFiles : QFileDialog::ExistingFile;
+}
+
+QString NameFilterOf(const std::vector<std::string>& zrTypes) {
+    QStringList patterns;
+    for (const std::string& type : zrTypes) {
+        patterns.append(QStringLiteral("*.") + QString::fromStdString(type));
+    }
+    return QString::fromStdString(Translated("Files")) + QStringLiteral(" (") +
+           patterns.join(QLatin1Char(' ')) + QLatin1Char(')');
+}
+
+/// The remembered folder, or the home folder where it is gone.
+QString StartFolder(const std::string& zFolder) {
+    const QString folder = QString::fromStdString(zFolder);
+    return QFileInfo(folder).isDir() ? folder : QDir::homePath();
+}
+
+void SetUp(QFileDialog& zrDialog, const sOpenPanelRequest& zrRequest) {
+    zrDialog.setWindowTitle(ToWidgetText(zrRequest.title));
+    zrDialog.setAcceptMode(QFileDialog::AcceptOpen);
+    zrDialog.setFileMode(FileModeOf(zrRequest));
+    zrDialog.setOption(QFileDialog::ShowDirsOnly, !zrRequest.canChooseFiles);
+    zrDialog.setOption(QFileDialog::ReadOnly, !zrRequest.canCreateFolders);
+    if (zrRequest.canChooseFiles && !zrRequest.allowedTypes.empty()) {
+        zrDialog.setNameFilter(NameFilterOf(zrRequest.allowedTypes));
+    }
+    zrDialog.setDirectory(StartFolder(zrRequest.initialFolder));
+}
+
+} // namespace
+
+std::vector<std::string> FileDialogPanel::Run(QWidget* zpParent, const sOpenPanelRequest& zrRequest) {
+    QFileDialog dialog(zpParent);
+    SetUp(dialog, zrRequest);
+    ModalSession::RunModal(dialog);
+    std::vector<std::string> paths;
+    if (dialog.result() == QDialog::Accepted) {
+        for (const QString& path : dialog.selectedFiles()) {
+            paths.push_back(path.toStdString());
+        }
+    }
+    return paths;
+}

@@ -1,0 +1,37 @@
+#include "UserGuide.h"
+
+#include "CommonUtils.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFileInfo>
+#include <QtCore/QStandardPaths>
+#include <QtCore/QUrl>
+#include <QtGui/QDesktopServices>
+
+namespace {
+
+QString FindUserGuide(const QString& zProgramFolder) {
+    const QFileInfo beside(zProgramFolder + QStringLiteral("/../share/doc/quillbox/user-guide.html"));
+    if (beside.isFile()) {
+        return beside.canonicalFilePath();
+    }
+    return QStandardPaths::locate(QStandardPaths::GenericDataLocation,
+                                  QStringLiteral("doc/quillbox/user-guide.html"));
+}
+
+} // namespace
+
+void OpenUserGuide() {
+    OpenUserGuide(QCoreApplication::applicationDirPath());
+}
+
+void OpenUserGuide(const QString& zProgramFolder) {
+    const QString path = FindUserGuide(zProgramFolder);
+    if (path.isEmpty()) {
+        DebugPrint("User guide not found\n");
+        return;
+    }
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path))) {
+        DebugPrint("User guide cannot be opened\n");
+    }
+}

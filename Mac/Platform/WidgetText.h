@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QtCore/QString>
+
+#include <string>
+
+/// The edge between our byte strings and the texts of widgets.
+
+/// UTF-8 bytes as a widget may show them. A character cut off at the end is dropped, invalid bytes become
+/// U+FFFD, and characters that would break lines, hide or reorder the words are shown as a visible sign.
+/// Not for paths that come back from a widget.
+QString ToWidgetText(const std::string& zText);
+
+/// The UTF-8 bytes of what a widget holds.
+std::string FromWidgetText(const QString& zText);
+
+/// The user's language for an English source text; the text itself where there is no translation.
+std::string Translated(const char* zSource);
+std::string Translated(const std::string& zSource);

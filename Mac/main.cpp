@@ -1,0 +1,23 @@
+#include "Controller.h"
+#include "MainWindow.h"
+#include "OpenPanel.h"
+#include "TerminationSignals.h"
+
+#include <QtWidgets/QApplication>
+
+int main(int argc, char** argv) {
+    const QApplication application(argc, argv);
+    QApplication::setApplicationName("Quillbox");
+    QApplication::setApplicationVersion(QUILLBOX_VERSION);
+    QApplication::setDesktopFileName("quillbox");
+    // The controller ends the event loop, after it has ended what runs in it.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    MainWindow window;
+    FileDialogPanel panel;
+    Controller controller(window, panel);
+    const TerminationSignals termination([&controller] { controller.applicationShouldTerminate(); });
+    controller.applicationDidFinishLaunching();
+    window.show();
+    return QApplication::exec();
+}
