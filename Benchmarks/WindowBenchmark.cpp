@@ -1,0 +1,204 @@
+#include "Controller.h"
+#include "DeviceTableView.h"
+#include "MainWindow.h"
+#include "SelectController.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QRadioButton>
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+
+// How long a person waits for a folder of 4,000 entries, with the reference device on this machine. The
+// figures contain the device's own work and the way over the network: upper bounds for the window's share.
+
+namespace {
+
+constexpr int kEntries = 4000;
+constexpr int kNameColumn = 0;
+constexpr int kTypeColumn = 1;
+
+class NoPanel : public OpenPanel {
+public:
+    std::vector<std::string> Run(QWidget* /*zpParent*/, const sOpenPanelRequest& /*zrRequest*/) override {
+        return {};
+    }
+};
+
+class LargeFolder {
+public:
+    LargeFolder() {
+        for (int number = 0; number < kEntries; ++number) {
+            const std::string name = "Recording " + std::to_string(number * 7919 % kEntries) + ".wav";
+            std::ofstream(mFolder.filePath(QString::fromStdString(name)).toStdString()) << number;
+        }
+        mDevice.start(QUILLBOX_DEVICE, {"--root", mFolder.path(), "--address", "127.0.0.1"});
+        if (!mDevice.waitForReadyRead()) {
+            throw std::runtime_error("the device does not start; is port 10240 of 127.0.0.1 taken?");
+        }
+    }
+
+    ~LargeFolder() {
+        mDevice.terminate();
+        mDevice.waitForFinished();
+    }
+
+    /// Adds a file of zSize bytes, which takes no room on the disk, and returns its name.
+    std::string AddFile(std::int32_t zSize) {
+        QFile file(mFolder.filePath(QStringLiteral("one large file.wav")));
+        if (!file.open(QIODevice::WriteOnly) || !file.resize(zSize)) {
+            throw std::runtime_error("the large file cannot be made");
+        }
+        return "one large file.wav";
+    }
+
+    LargeFolder(const LargeFolder&) = delete;
+    LargeFolder& operator=(const LargeFolder&) = delete;
+
+private:
+    QTemporaryDir mFolder;
+    QProcess mDevice;
+};
+
+void AnswerSelection(MainWindow& zrWindow) {
+    auto* dialog = zrWindow.findChild<QDialog*>(QStringLiteral("SelectView"));
+    for (auto* button : dialog->findChildren<QRadioButton*>()) {
+        if (button->text().contains(QStringLiteral("IP"))) {
+            button->click();
+        }
+    }
+    const QStringList octets{"127", "0", "0", "1"};
+    for (auto* field : dialog->findChildren<QLineEdit*>()) {
+        field->setText(octets.at(field->accessibleName().right(1).toInt() - 1));
+    }
+    for (auto* button : dialog->findChildren<QPushButton*>()) {
+        if (button->text() == QStringLiteral("OK")) {
+            button->click();
+        }
+    }
+}
+
+/// The real window, connected to a device whose folder is large.
+class ConnectedWindow {
+public:
+    ConnectedWindow() : mController(mWindow, mPanel) {
+        mController.applicationDidFinishLaunching();
+        mWindow.show();
+        QTimer::singleShot(0, &mWindow, [this] { AnswerSelection(mWindow); });
+        mController.OnConnectButton();
+        if (mController.numberOfRowsInTableView() != kEntries) {
+            throw std::runtime_error("the folder is not listed");
+        }
+    }
+
+    ~ConnectedWindow() { mController.DisconnectDevice(); }
+
+    ConnectedWindow(const ConnectedWindow&) = delete;
+    ConnectedWindow& operator=(const ConnectedWindow&) = delete;
+
+    Controller& GetController() { return mController; }
+
+    DeviceTableView& Table() { return *mWindow.Controls().tableView; }
+
+    std::string AddFile(std::int32_t zSize) { return mFolder.AddFile(zSize); }
+
+    void Paint() {
+        QApplication::processEvents();
+        mWindow.repaint();
+        Table().viewport()->repaint();
+    }
+
+private:
+    LargeFolder mFolder;
+    MainWindow mWindow;
+    NoPanel mPanel;
+    Controller mController;
+};
+
+void ListAndPaint(benchmark::State& zrState) {
+    ConnectedWindow window;
+    for ([[maybe_unused]] auto round : zrState) {
+        window.GetController().OnRefresh();
+        window.Paint();
+    }
+}
+
+void SortAndPaint(benchmark::State& zrState) {
+    ConnectedWindow window;
+    bool byName = false;
+    for ([[maybe_unused]] auto round : zrState) {
+        byName = !byName;
+        window.Table().sortByColumn(byName ? kNameColumn : kTypeColumn, Qt::AscendingOrder);
+        window.Paint();
+    }
+}
+
+/// The longest time for which the event loop did not come round, in milliseconds.
+class StallMeter {
+public:
+    StallMeter() {
+        mSince.start();
+        QObject::connect(&mBeat, &QTimer::timeout, &mBeat,
+                         [this] { mLongest = std::max(mLongest, mSince.restart()); });
+        mBeat.start(1);
+    }
+
+    double Longest() const { return static_cast<double>(std::max(mLongest, mSince.elapsed())); }
+
+private:
+    QTimer mBeat;
+    QElapsedTimer mSince;
+    qint64 mLongest = 0;
+};
+
+void StallOfAListing(benchmark::State& zrState) {
+    ConnectedWindow window;
+    const StallMeter meter;
+    for ([[maybe_unused]] auto round : zrState) {
+        window.GetController().OnRefresh();
+        window.Paint();
+    }
+    zrState.counters["longest_stall_ms"] = meter.Longest();
+}
+
+void StallOfADownload(benchmark::State& zrState) {
+    ConnectedWindow window;
+    const QTemporaryDir target;
+    const auto size = static_cast<std::int32_t>(zrState.range(0));
+    const cDeviceDirList list{"", {{window.AddFile(size), "", false, size, 0}}};
+    const StallMeter meter;
+    for ([[maybe_unused]] auto round : zrState) {
+        if (!window.GetController().DownloadFiles(target.path().toStdString(), list).empty()) {
+            zrState.SkipWithError("the download failed");
+        }
+        QFile::remove(target.filePath(QString::fromStdString(list.mFile.front().mName)));
+    }
+    zrState.counters["longest_stall_ms"] = meter.Longest();
+}
+
+BENCHMARK(ListAndPaint)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(SortAndPaint)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(StallOfAListing)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(StallOfADownload)->Arg(1 << 30)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+} // namespace
+
+int main(int argc, char** argv) {
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    const QTemporaryDir home;
+    ::setenv("HOME", home.path().toUtf8().constData(), 1);
+    benchmark::Initialize(&argc, argv);
+    const QApplication application(argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Controller.h"
+
+/// Looks at the protocol client, of which the widgets show something only when the program looks itself.
+class ControllerProbe {
+public:
+    static bool IsIdle(const Controller& zrController) {
+        return zrController.mpSocket->GetState() == FTS_IDLE;
+    }
+
+    /// What the connection does with bytes from the device, within the event that calls this.
+    static void Receive(Controller& zrController, const std::string& zBytes) {
+        zrController.mpAdmission->Receive(zBytes.data(), static_cast<int>(zBytes.size()));
+    }
+
+    static float FileProgress(const Controller& zrController) { return zrController.mpSocket->GetProgress(); }
+};

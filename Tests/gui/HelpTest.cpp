@@ -1,0 +1,48 @@
+#include "Browser.h"
+#include "WindowFixture.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using Help = WindowFixture;
+
+TEST_F(Help, ConnectAndTheUserGuideHaveTheirKeysInTheMenu) {
+    EXPECT_EQ(MenuEntry("Connect").shortcuts(), QList<QKeySequence>{QKeySequence("Ctrl+K")});
+    EXPECT_EQ(MenuEntry("User Guide").shortcuts(), QList<QKeySequence>{QKeySequence("F1")});
+    ASSERT_TRUE(ConnectTo(mDevice));
+    EXPECT_EQ(MenuEntry("Disconnect").shortcuts(), QList<QKeySequence>{QKeySequence("Ctrl+K")});
+    Key(Qt::Key_K, Qt::ControlModifier);
+    EXPECT_FALSE(mController.IsConnected());
+}
+
+TEST_F(Help, TheUserGuideOpensByKeyAndMenu) {
+    const Browser browser;
+    Key(Qt::Key_F1);
+    MenuEntry("User Guide").trigger();
+    ASSERT_EQ(browser.Opened().size(), 2);
+    for (const QUrl& url : browser.Opened()) {
+        EXPECT_TRUE(url.path().endsWith(QLatin1String("/doc/quillbox/user-guide.html")))
+            << url.path().toStdString();
+    }
+}
+
+TEST_F(Help, TheUserGuideStaysShutWhileSomethingElseRuns) {
+    const Browser browser;
+    ASSERT_TRUE(ConnectTo(mDevice));
+    mDevice.Hold();
+    Meanwhile meanwhile;
+    meanwhile.WhenShown(kReading, [this](QWidget& zrProgress) {
+        for (QWidget* widget : {&zrProgress, static_cast<QWidget*>(&mWindow)}) {
+            QTest::keyClick(widget, Qt::Key_F1);
+        }
+        MenuEntry("User Guide").trigger();
+        mDevice.Release();
+    });
+    Key(Qt::Key_F5);
+    EXPECT_TRUE(browser.Opened().isEmpty());
+    Key(Qt::Key_F1);
+    EXPECT_EQ(browser.Opened().size(), 1);
+}
+
+} // namespace

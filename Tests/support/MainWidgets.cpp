@@ -1,0 +1,17 @@
+#include "Hermetic.h"
+
+#include <QtWidgets/QApplication>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+int main(int argc, char** argv) {
+    const HermeticHome home;
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    ::unsetenv("QT_QPA_PLATFORMTHEME");
+    ::unsetenv("XDG_CURRENT_DESKTOP");
+    ::testing::InitGoogleTest(&argc, argv);
+    const QApplication application(argc, argv);
+    QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,98 @@
+#include "Hermetic.h"
+#include "Options.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+class DeviceOptions : public ::testing::Test {
+protected:
+    Options Read(const QStringList& more) const {
+        return ReadOptions(QStringList{"quillbox-device", "--root", Root()} + more);
+    }
+
+    QString Root() const { return QString::fromStdString(mFolder.Path().string()); }
+
+    TestFolder mFolder;
+};
+
+TEST_F(DeviceOptions, HaveDefaults) {
+    const Options options = Read({});
+    EXPECT_EQ(options.message, "");
+    EXPECT_FALSE(options.helpWanted);
+    EXPECT_EQ(options.root, Root());
+    EXPECT_EQ(options.port, 10240);
+    EXPECT_EQ(options.address, QHostAddress("127.0.0.1"));
+    EXPECT_EQ(options.identity.name, "quillbox-device");
+    EXPECT_EQ(options.identity.rights, "cd-");
+    EXPECT_EQ(options.identity.version, "1.10");
+}
+
+TEST_F(DeviceOptions, AreTaken) {
+    const Options options = Read({"--port", "0", "--address=::1", "--name", "Enregistreur d'été", "--rights",
+                                  "--r", "--protocol-version", "1.09"});
+    EXPECT_EQ(options.message, "");
+    EXPECT_EQ(options.port, 0);
+    EXPECT_EQ(options.address, QHostAddress("::1"));
+    EXPECT_EQ(options.identity.name, "Enregistreur d'été");
+    EXPECT_EQ(options.identity.rights, "--r");
+    EXPECT_EQ(options.identity.version, "1.09");
+}
+
+TEST_F(DeviceOptions, TheIdBelongsToTheFolder) {
+    const TestFolder other;
+    const std::string id = Read({}).identity.id;
+    EXPECT_THAT(id, ::testing::MatchesRegex("[0-9a-f]{16}"));
+    EXPECT_EQ(Read({"--name", "Renamed"}).identity.id, id);
+    EXPECT_NE(Read({"--root", QString::fromStdString(other.Path().string())}).identity.id, id);
+}
+
+TEST_F(DeviceOptions, HelpNamesEveryOption) {
+    const Options options = ReadOptions({"quillbox-device", "--help"});
+    EXPECT_TRUE(options.helpWanted);
+    for (const char* name :
+         {"--root", "--port", "--address", "--name", "--rights", "--protocol-version", "--help"}) {
+        EXPECT_THAT(options.message, HasSubstr(name));
+    }
+}
+
+struct BadCase {
+    QStringList arguments;
+    std::string complaint;
+};
+
+class BadOptions : public DeviceOptions, public ::testing::WithParamInterface<BadCase> {};
+
+TEST_P(BadOptions, AreExplained) {
+    const Options options = Read(GetParam().arguments);
+    EXPECT_FALSE(options.helpWanted);
+    EXPECT_THAT(options.message, StartsWith(GetParam().complaint));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Arguments, BadOptions,
+    ::testing::Values(BadCase{{"--root", ""}, "--root is required"},
+                      BadCase{{"--root", "/dev/null"}, "--root is no folder: /dev/null"},
+                      BadCase{{"--root", "/no/such"}, "--root is no folder: /no/such"},
+                      BadCase{{"--port", "65536"}, "--port takes a number from 0 to 65535"},
+                      BadCase{{"--port", "http"}, "--port takes a number from 0 to 65535"},
+                      BadCase{{"--port=-1"}, "--port takes a number from 0 to 65535"},
+                      BadCase{{"--address", "nowhere"}, "--address takes an IP address"},
+                      BadCase{{"--name", ""}, "--name must not be empty"},
+                      BadCase{{"--name", "a\"b"}, "--name must not be empty"},
+                      BadCase{{"--rights", "cd"}, "--rights takes three characters"},
+                      BadCase{{"--rights", "CD-"}, "--rights takes three characters"},
+                      BadCase{{"--rights", "dc-"}, "--rights takes three characters"},
+                      BadCase{{"--protocol-version", "one"}, "--protocol-version takes a number"},
+                      BadCase{{"--protocol-version", "1."}, "--protocol-version takes a number"},
+                      BadCase{{"surplus"}, "Unexpected argument: surplus"},
+                      BadCase{{"--colour"}, "Unknown option 'colour'"}));
+
+TEST(DeviceOptionsAlone, TheRootIsRequired) {
+    EXPECT_EQ(ReadOptions({"quillbox-device"}).message, "--root is required");
+}
+
+} // namespace
