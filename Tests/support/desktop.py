@@ -197,8 +197,9 @@ class Desktop:
                               stdout=subprocess.PIPE, text=True).stdout
 
     def _start_session_bus(self):
-        self.start(["dbus-daemon", "--nofork", f"--config-file={self.root}/bus.conf"])
-        wait_for((self.root / "run/bus").exists, "the session bus")
+        # The daemon prints its address once it listens; its socket file is there a moment before that.
+        bus = self.start(["dbus-daemon", "--nofork", "--print-address", f"--config-file={self.root}/bus.conf"])
+        bus.wait_for_output("\n")
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={self.root}/run/bus"
 
     def _start_accessibility(self):
