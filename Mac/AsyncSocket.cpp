@@ -1,11 +1,11 @@
 #include "AsyncSocket.h"
 
 #include "CommonUtils.h"
+#include "DeferredCall.h"
 
 #include <QtCore/QPointer>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -14,29 +14,6 @@ namespace {
 constexpr const char* kSource = "Mac/AsyncSocket";
 constexpr const char* kDefaultMode = "default";
 constexpr qsizetype kWriteSlice = 4096;
-
-template <typename Call>
-void PrepareCall(QTimer& zrTimer, Call zCall) {
-    zrTimer.setSingleShot(true);
-    zrTimer.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&zrTimer, &QTimer::timeout, &zrTimer, zCall);
-}
-
-/// Has a call run on the next pass of the event loop. One that is due stays due: starting it anew with every
-/// pass would put it off for ever.
-void StartCall(QTimer& zrTimer) {
-    if (!zrTimer.isActive()) {
-        zrTimer.start(0);
-    }
-}
-
-/// Starts a time-out; negative is none.
-void StartTimer(QTimer& zrTimer, double zSeconds) {
-    if (zSeconds >= 0.0) {
-        constexpr double kLongest = std::numeric_limits<int>::max();
-        zrTimer.start(static_cast<int>(std::min(std::ceil(zSeconds * 1000.0), kLongest)));
-    }
-}
 
 template <typename Packet>
 double GetProgress(const Packet& zPacket, qsizetype zTotal, long& zrTag, qsizetype& zrBytesDone,

@@ -20,4 +20,7 @@ public:
 
     /// The live list of devices; it changes with every pass of the event loop, so it is read, not kept.
     virtual const std::vector<HostRecord>& GetDeviceList() const = 0;
+
+    /// Starts to listen for devices unless that has been done already; false while it cannot be done.
+    virtual bool EnsureStarted() = 0;
 };

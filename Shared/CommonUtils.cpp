@@ -110,6 +110,13 @@ void DebugPrint(const std::string& zText) {
     std::fflush(stdout);
 }
 
+std::string OneLogLine(std::string zText) {
+    const auto isControl = [](char byte) { return (byte >= 0 && byte < ' ') || byte == '\x7f'; };
+    zText.resize(std::min(zText.size(), kMaxFormattedLength));
+    std::ranges::replace_if(zText, isControl, '?');
+    return zText;
+}
+
 void AssertFail(const char* zFormat, const char* zFile, unsigned zLine, const char* zCondition) {
     std::fprintf(stderr, zFormat, zFile, zLine, zCondition);
     std::fflush(stderr);

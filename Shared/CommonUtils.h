@@ -35,6 +35,10 @@ void DebugPrintf(const char* zFormat, ...) __attribute__((format(printf, 1, 2)))
 /// Writes one text to standard output as it stands.
 void DebugPrint(const std::string& zText);
 
+/// A text from outside, fit for one log line: control characters are "?", and at most
+/// kMaxFormattedLength bytes are left.
+std::string OneLogLine(std::string zText);
+
 inline constexpr const char* kAssertFormat = "%s:%u: failed assertion `%s'\n";
 
 /// Reports a programming error on standard error and aborts the process.

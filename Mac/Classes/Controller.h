@@ -2,6 +2,7 @@
 
 #include "AsyncSocket.h"
 #include "ClientProtocol.h"
+#include "Discover.h"
 #include "FileInfoValue.h"
 #include "MainWindow.h"
 #include "ModalSession.h"
@@ -165,6 +166,7 @@ private:
     void CentreOverWindow(QWidget& zrDialog) const;
 
     // Session
+    void MakeDiscovery();
     bool ChooseDevice();
     void OpenSocket();
     bool WaitForWelcome(ModalSession& zrSession);
@@ -233,6 +235,7 @@ private:
     std::unique_ptr<cSocketClientProtocol> mpSocket;
     std::vector<sTableEntry> mTableEntries;
     std::vector<std::shared_ptr<AsyncSocket>> mClientSockets;
+    std::unique_ptr<Discover> discover; ///< null while the network interfaces cannot be read
     std::string mLastSocketError;
     bool mSuperUser = false;
     std::string mFileTypes;

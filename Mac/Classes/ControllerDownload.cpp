@@ -18,16 +18,9 @@ namespace {
 using tFileInfo = cClientProtocol::cDeviceFileInfo;
 using eCommand = cClientProtocol::eCommand;
 
-/// A longer name would not leave room for the rest of its line.
-constexpr int kLoggedLength = 255;
-
 /// Tells on standard output what a download leaves out without telling it on the screen.
 void LogSkipped(const std::string& zName, const char* zReason) {
-    std::string name = zName;
-    TruncateText(name, kLoggedLength);
-    std::replace_if(
-        name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
-    DebugPrintf("Skipped '%s': %s\n", name.c_str(), zReason);
+    DebugPrintf("Skipped '%s': %s\n", OneLogLine(zName).c_str(), zReason);
 }
 
 /// A name from a device becomes a local path only if it stays one entry of the destination folder.

@@ -41,6 +41,10 @@ void Controller::applicationDidFinishLaunching() {
     tableView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     tableView->verticalHeader()->setDefaultSectionSize(kRowHeight);
     mPortNumber = kDevicePort;
+    MakeDiscovery();
+    if (discover) {
+        discover->connectSocket();
+    }
     UpdateControls();
     SetStatusText("Press the 'Connect' button to begin");
 }

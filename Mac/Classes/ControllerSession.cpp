@@ -25,6 +25,10 @@ constexpr auto kProgressDelay = 200ms;
 constexpr auto kSlice = 100ms;
 constexpr auto kCancelPatience = 4s;
 
+/// What this program announces itself as; nothing listens on the port.
+constexpr int kDesktopType = 1;
+constexpr std::int32_t kDesktopPort = 10241;
+
 constexpr double kNoTimeout = -1.0;
 constexpr long kTag = 0;
 
@@ -46,9 +50,16 @@ void Controller::OnConnectButton() {
     UpdateControls();
 }
 
+void Controller::MakeDiscovery() {
+    if (!discover) {
+        discover = Discover::initWithType(kDesktopType, kDesktopPort);
+    }
+}
+
 bool Controller::ChooseDevice() {
+    MakeDiscovery();
     SelectController dialog(&mrWindow);
-    dialog.Init(nullptr);
+    dialog.Init(discover.get());
     ModalSession session(dialog);
     while (dialog.GetResult() == 0 && !mTerminating) {
         session.RunOnce();
