@@ -103,13 +103,9 @@ AsyncUdpSocket::AsyncUdpSocket(AsyncUdpSocketDelegate* zpDelegate, long zUserDat
 }
 
 std::unique_ptr<DatagramSocket> AsyncUdpSocket::OpenHalf(int zFamily) {
-    try {
-        return std::make_unique<DatagramSocket>(
-            zFamily, [this, zFamily](DatagramSocket::Event event) { onSocketEvent(Half(zFamily), event); });
-    } catch (const std::system_error& error) {
-        errno = error.code().value();
-        return nullptr;
-    }
+    auto pHalf = std::make_unique<DatagramSocket>(
+        zFamily, [this, zFamily](DatagramSocket::Event event) { onSocketEvent(Half(zFamily), event); });
+    return pHalf->IsOpen() ? std::move(pHalf) : nullptr;
 }
 
 std::unique_ptr<DatagramSocket>& AsyncUdpSocket::OwnerOfHalf(int zFamily) {

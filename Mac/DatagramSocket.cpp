@@ -4,7 +4,6 @@
 #include <poll.h>
 
 #include <cerrno>
-#include <system_error>
 
 namespace {
 
@@ -19,8 +18,8 @@ int ErrnoUnless(bool zSuccess) {
 
 DatagramSocket::DatagramSocket(int zFamily, const Handler& zHandler)
     : mDescriptor(::socket(zFamily, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, IPPROTO_UDP)) {
-    if (!mDescriptor.IsOpen()) {
-        throw std::system_error(errno, std::generic_category());
+    if (!IsOpen()) {
+        return;
     }
     if (zFamily == AF_INET6) {
         const int only = 1;

@@ -21,9 +21,11 @@ public:
     /// socket.
     using Handler = std::function<void(Event zEvent)>;
 
-    /// zFamily is AF_INET or AF_INET6; an IPv6 socket takes no IPv4 traffic. Throws std::system_error when
-    /// the system has no such socket.
+    /// zFamily is AF_INET or AF_INET6; an IPv6 socket takes no IPv4 traffic.
     DatagramSocket(int zFamily, const Handler& zHandler);
+
+    /// False when the system had no such socket; errno says why, and nothing else may be called.
+    bool IsOpen() const { return mDescriptor.IsOpen(); }
 
     /// The native handle.
     int Native() const { return mDescriptor.Get(); }
