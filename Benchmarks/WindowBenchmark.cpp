@@ -1,4 +1,5 @@
 #include "Controller.h"
+#include "DatagramPeer.h"
 #include "DeviceTableView.h"
 #include "MainWindow.h"
 #include "SelectController.h"
@@ -14,10 +15,15 @@
 #include <QtWidgets/QRadioButton>
 #include <benchmark/benchmark.h>
 
+#include <sys/resource.h>
+
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
+#include <thread>
 
 // How long a person waits for a folder of 4,000 entries, with the reference device on this machine. The
 // figures contain the device's own work and the way over the network: upper bounds for the window's share.
@@ -186,10 +192,50 @@ void StallOfADownload(benchmark::State& zrState) {
     zrState.counters["longest_stall_ms"] = meter.Longest();
 }
 
+/// Seconds of work that the calling thread has done.
+double WorkedSeconds() {
+    rusage usage{};
+    ::getrusage(RUSAGE_THREAD, &usage);
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+/// Somebody sends zPerSecond announcements in each of five seconds.
+void StallOfAFlood(benchmark::State& zrState) {
+    MainWindow window;
+    NoPanel panel;
+    Controller controller(window, panel);
+    controller.applicationDidFinishLaunching();
+    window.show();
+    const StallMeter meter;
+    const double workedBefore = WorkedSeconds();
+    for ([[maybe_unused]] auto round : zrState) {
+        std::atomic<bool> over = false;
+        std::thread flood([&] {
+            DatagramPeer sender("127.0.1.1");
+            const auto start = std::chrono::steady_clock::now();
+            for (std::int64_t sent = 0; sent < zrState.range(0) * 5; ++sent) {
+                std::this_thread::sleep_until(start + std::chrono::seconds(1) * sent / zrState.range(0));
+                sender.Send("Phone:FileServer:10240;", 10245);
+            }
+            over = true;
+        });
+        while (!over) {
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+        flood.join();
+    }
+    zrState.counters["longest_stall_ms"] = meter.Longest();
+    zrState.counters["worked_s"] = WorkedSeconds() - workedBefore;
+}
+
 BENCHMARK(ListAndPaint)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(SortAndPaint)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(StallOfAListing)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(StallOfADownload)->Arg(1 << 30)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(StallOfAFlood)->Arg(10'000)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 
