@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The texts of one option as the command line knows it.
+/// The texts of one option as the command line knows it; without a value's name it is a switch.
 struct OptionText {
     const char* name;
     const char* meaning;
@@ -26,6 +26,10 @@ constexpr std::array kOptions{
     OptionText{"rights", "c: create, d: delete, r: read-only; - in the place of a letter for none.", "RIGHTS",
                "cd-"},
     OptionText{"protocol-version", "The protocol version to report.", "VERSION", "1.10"},
+    OptionText{"announce", "Let programs on the network find the device, by multicast every 4 seconds.", "",
+               ""},
+    OptionText{"announce-to", "Let programs on this host find the device: an IPv4 address or a name.", "HOST",
+               ""},
 };
 
 void AddOptions(QCommandLineParser& parser) {
@@ -50,7 +54,22 @@ constexpr std::array kChecks{
     Check{"rights", "^[c-][d-][r-]$", "--rights takes three characters: c or -, d or -, r or -"},
     Check{"protocol-version", "^[0-9]{1,4}(\\.[0-9]{1,4})?$",
           "--protocol-version takes a number such as 1.10"},
+    Check{"announce-to", "^[^:\\s]*$", "--announce-to takes an IPv4 address or the name of a host"},
 };
+
+/// In an announcement these would be read as the end of the name, or passed over before it.
+constexpr Check kAnnouncedName{
+    "name", R"(^[^:;\p{Cc}\p{Z}][^:;\p{Cc}\p{Zl}\p{Zp}]*$)",
+    "--name must not contain : or ; or a control character, nor begin with a space, when it is announced"};
+
+bool Holds(const QCommandLineParser& parser, const Check& check) {
+    const QRegularExpression shape(check.pattern, QRegularExpression::DotMatchesEverythingOption);
+    return shape.match(parser.value(check.option)).hasMatch();
+}
+
+bool IsAnnouncing(const QCommandLineParser& parser) {
+    return parser.isSet("announce") || !parser.value("announce-to").isEmpty();
+}
 
 /// What is wrong with the command line; "" when it is in order.
 QString Complaint(const QCommandLineParser& parser) {
@@ -58,11 +77,12 @@ QString Complaint(const QCommandLineParser& parser) {
         return "Unexpected argument: " + parser.positionalArguments().constFirst();
     }
     for (const Check& check : kChecks) {
-        const QString value = parser.value(check.option);
-        const QRegularExpression shape(check.pattern, QRegularExpression::DotMatchesEverythingOption);
-        if (!shape.match(value).hasMatch()) {
+        if (!Holds(parser, check)) {
             return check.complaint;
         }
+    }
+    if (IsAnnouncing(parser) && !Holds(parser, kAnnouncedName)) {
+        return kAnnouncedName.complaint;
     }
     if (parser.value("port").toUInt() > 65535) {
         return "--port takes a number from 0 to 65535";
@@ -103,5 +123,7 @@ Options ReadOptions(const QStringList& arguments) {
     options.port = static_cast<quint16>(parser.value("port").toUInt());
     options.identity = {parser.value("name").toStdString(), MakeId(options.root),
                         parser.value("protocol-version").toStdString(), parser.value("rights").toStdString()};
+    options.announcements.toGroup = parser.isSet("announce");
+    options.announcements.host = parser.value("announce-to");
     return options;
 }

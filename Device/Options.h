@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Announcer.h"
 #include "Replies.h"
 
 #include <QtCore/QStringList>
@@ -13,6 +14,7 @@ struct Options {
     QHostAddress address;
     quint16 port = 0;
     DeviceIdentity identity;
+    AnnouncementPlan announcements;
 
     bool helpWanted = false;
     std::string message; ///< The help text, or what is wrong with the options; "" when they are usable.

@@ -1,3 +1,4 @@
+#include "Announcer.h"
 #include "FileServer.h"
 #include "Log.h"
 #include "Options.h"
@@ -9,6 +10,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <optional>
 #include <sys/signalfd.h>
 
 namespace {
@@ -41,6 +43,14 @@ int Serve(const Options& options) {
                         kStatusFailed);
     }
     PrintLine("listening on " + server.Endpoint());
+    if (options.announcements.toGroup && options.address.isLoopback()) {
+        PrintLine("only this machine can connect; --address 0.0.0.0 lets the network in");
+    }
+    std::optional<Announcer> announcer;
+    if (!options.announcements.IsEmpty()) {
+        announcer.emplace(FormatAnnouncement(options.identity.name, server.Port()), options.announcements,
+                          PrintLine);
+    }
     return QCoreApplication::exec();
 }
 

@@ -30,9 +30,9 @@ class Case(unittest.TestCase):
         self.desktop = self.enterContext(Desktop())
         self.quillbox = None
 
-    def start(self):
+    def start(self, host=None):
         """Starts the program."""
-        self.quillbox = Quillbox(self.desktop)
+        self.quillbox = Quillbox(self.desktop, host)
         return self.quillbox
 
     def serve(self, files, **options):
@@ -112,8 +112,9 @@ def top_names(files):
     return sorted({path.split("/")[0] for path in files})
 
 
-def main():
-    reason = reason_not_to_run()
+def main(more_reasons=lambda: None):
+    """Runs the script's tests; skips them for what `reason_not_to_run` or `more_reasons` finds lacking."""
+    reason = reason_not_to_run() or more_reasons()
     if reason:
         print(f"skipped: {reason}")
         sys.exit(SKIPPED)

@@ -106,16 +106,20 @@ class Desktop:
         path.mkdir(parents=True)
         return path
 
-    def start(self, argv, death_signal="KILL"):
-        """Starts any command on this desktop; it ends with the desktop at the latest."""
+    def start(self, argv, death_signal="KILL", host=None):
+        """Starts any command on this desktop; it ends with the desktop at the latest.
+
+        `host` is the machine of a Lan whose network it uses.
+        """
         self._count += 1
         log = self.root / f"{self._count}-{pathlib.Path(str(argv[0])).name}.log"
-        process = Process(argv, self.environment, log, death_signal)
+        prefix = host.prefix if host else []
+        process = Process([*prefix, *argv], self.environment, log, death_signal)
         self._end.callback(process.end)
         return process
 
-    def start_program(self):
-        return Program(self)
+    def start_program(self, host=None):
+        return Program(self, host)
 
     def picture(self, path):
         """Saves what the screen shows as a picture, without the empty desktop around it."""
@@ -216,9 +220,9 @@ class Desktop:
 class Program:
     """The running program, seen through its windows."""
 
-    def __init__(self, desktop, name="quillbox"):
+    def __init__(self, desktop, host=None):
         self._bus = desktop.bus
-        self.process = desktop.start([desktop.programs / name])
+        self.process = desktop.start([desktop.programs / "quillbox"], host=host)
 
     @property
     def running(self):

@@ -13,15 +13,19 @@ FOLDER_SIZE = 4096  # what has no size is not downloaded
 class Device:
     """The device server of this repository, serving a folder."""
 
-    def __init__(self, desktop, root, name="Test device", address="127.0.0.1", rights="cd-", version="1.10"):
+    def __init__(self, desktop, root, name="Test device", address="127.0.0.1", rights="cd-", version="1.10",
+                 announce=(), host=None):
+        """`announce` holds the options by which it announces itself; `host` is the machine of a Lan it is on."""
         self._desktop = desktop
+        self._host = host
         self._argv = [desktop.programs / "quillbox-device", "--root", root, "--port", DEVICE_PORT,
-                      "--address", address, "--name", name, "--rights", rights, "--protocol-version", version]
+                      "--address", address, "--name", name, "--rights", rights, "--protocol-version", version,
+                      *announce]
         self._process = None
         self.start()
 
     def start(self):
-        self._process = self._desktop.start(self._argv)
+        self._process = self._desktop.start(self._argv, host=self._host)
         self._process.wait_for_output("listening on")
 
     def stop(self):

@@ -10,9 +10,9 @@ DESTINATION_DIALOG = "Choose file download destination folder"
 class Quillbox:
     """The program, started on a desktop, with its main window in view."""
 
-    def __init__(self, desktop):
+    def __init__(self, desktop, host=None):
         self.desktop = desktop
-        self.program = desktop.start_program()
+        self.program = desktop.start_program(host)
         self.main = self.program.window(MAIN_WINDOW)
         self._buttons = {}
         self._status = self.main.find("Status")
@@ -57,6 +57,13 @@ class Quillbox:
         wait_for(shown, lambda: f"'{directory}' with {names}, not '{self.directory}' with {self.names()}",
                  seconds)
 
+    def log_lines(self):
+        """What the program has written so far."""
+        return self.program.process.output().splitlines()
+
+    def wait_for_log(self, line, seconds=15.0):
+        wait_for(lambda: line in self.log_lines(), lambda: f"'{line}' in {self.log_lines()}", seconds)
+
     def wait_for_main_window_only(self, seconds=15.0):
         wait_for(lambda: self.program.titles() == [MAIN_WINDOW],
                  lambda: f"the main window alone, not {self.program.titles()}", seconds)
@@ -76,6 +83,42 @@ class Quillbox:
     def open_selection(self):
         self.button("Connect").press()
         return self.window("Select Device")
+
+    def found_devices(self, dialog):
+        """The table of found devices in the selection, ready for a choice."""
+        refresh = dialog.find("Refresh", "push button")
+        if not refresh.enabled:
+            self.desktop.click(dialog.find("Use found device", "radio button"))
+            wait_for(lambda: refresh.enabled, "the choice among found devices")
+        return Table(dialog.find("Devices", "list"))
+
+    def refresh_devices(self, dialog):
+        """Presses Refresh and returns the names that are listed then."""
+        devices = self.found_devices(dialog)
+        refresh = dialog.find("Refresh", "push button")
+        refresh.press()
+        # Such a press holds the button down for a moment, and does its work as it lets go.
+        wait_for(lambda: not refresh.has_state("pressed"), "the end of a press of Refresh")
+        return devices.column(0)
+
+    def wait_for_devices(self, dialog, names, seconds=15.0):
+        """Presses Refresh until exactly these devices are listed, in any order; returns their table."""
+        wait_for(lambda: sorted(self.refresh_devices(dialog)) == sorted(names),
+                 lambda: f"devices {names}, not {self.refresh_devices(dialog)}", seconds)
+        return self.found_devices(dialog)
+
+    def choose_device(self, dialog, name):
+        """Selects a listed device by a click."""
+        devices = self.found_devices(dialog)
+        row = devices.column(0).index(name)
+        self.desktop.click_row(devices, row)
+        wait_for(lambda: devices.selected_rows() == [row], f"'{name}' selected")
+
+    def confirm_selection(self, dialog, name):
+        """Presses OK and waits until the device of this name is connected."""
+        dialog.find("OK", "push button").press()
+        self.wait_for_status(f"Connected to '{name}'")
+        self.wait_for_main_window_only()
 
     def type_address(self, dialog, address):
         """Types a dotted address as a person does, the dots leading from field to field."""

@@ -32,7 +32,7 @@ class Tour:
         shutil.copytree(sample, self._served)
         self._target = desktop.folder("Downloads")
         self._step = 0
-        self._device = Device(desktop, self._served, name=DEVICE_NAME, address=ADDRESS)
+        self._device = Device(desktop, self._served, name=DEVICE_NAME, announce=["--announce-to", ADDRESS])
         self._quillbox = Quillbox(desktop)
 
     def walk(self):
@@ -43,8 +43,10 @@ class Tour:
         self._done("start", "The program has started; a device serves the sample folder.")
 
     def choose(self):
-        self._quillbox.type_address(self._quillbox.open_selection(), ADDRESS)
-        self._done("choose", f"Connect asks for the device; the address {ADDRESS} is typed.")
+        dialog = self._quillbox.open_selection()
+        self._quillbox.wait_for_devices(dialog, [DEVICE_NAME])
+        self._quillbox.choose_device(dialog, DEVICE_NAME)
+        self._done("choose", f"Connect asks for the device; '{DEVICE_NAME}' has been found and is selected.")
 
     def connect(self):
         self._quillbox.press_in("Select Device", "OK")

@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+
 namespace {
 
 using ::testing::HasSubstr;
@@ -29,6 +31,7 @@ TEST_F(DeviceOptions, HaveDefaults) {
     EXPECT_EQ(options.identity.name, "quillbox-device");
     EXPECT_EQ(options.identity.rights, "cd-");
     EXPECT_EQ(options.identity.version, "1.10");
+    EXPECT_TRUE(options.announcements.IsEmpty());
 }
 
 TEST_F(DeviceOptions, AreTaken) {
@@ -42,6 +45,35 @@ TEST_F(DeviceOptions, AreTaken) {
     EXPECT_EQ(options.identity.version, "1.09");
 }
 
+TEST_F(DeviceOptions, AskForAnnouncements) {
+    const Options toGroup = Read({"--announce"});
+    EXPECT_EQ(toGroup.message, "");
+    EXPECT_TRUE(toGroup.announcements.toGroup);
+    EXPECT_EQ(toGroup.announcements.host, "");
+    EXPECT_EQ(toGroup.announcements.port, 10245);
+    EXPECT_EQ(toGroup.announcements.period, std::chrono::seconds(4));
+    const Options toHost = Read({"--announce-to", "localhost"});
+    EXPECT_EQ(toHost.message, "");
+    EXPECT_FALSE(toHost.announcements.toGroup);
+    EXPECT_EQ(toHost.announcements.host, "localhost");
+    const Options toBoth = Read({"--announce", "--announce-to=127.0.0.1"});
+    EXPECT_TRUE(toBoth.announcements.toGroup);
+    EXPECT_EQ(toBoth.announcements.host, "127.0.0.1");
+}
+
+TEST_F(DeviceOptions, OnlyAnnouncedNamesAreWithoutSeparators) {
+    for (const char* name : {"a:b", "a;b", ":", "a\nb", "a\rb", " a", "\ta", "\u00a0a", "a\u2028b"}) {
+        EXPECT_EQ(Read({"--name", name}).message, "") << name;
+        EXPECT_THAT(Read({"--announce", "--name", name}).message,
+                    StartsWith("--name must not contain : or ;"))
+            << name;
+        EXPECT_THAT(Read({"--announce-to", "localhost", "--name", name}).message,
+                    StartsWith("--name must not contain : or ;"))
+            << name;
+    }
+    EXPECT_EQ(Read({"--announce", "--name", "Enregistreur d'été, 2"}).message, "");
+}
+
 TEST_F(DeviceOptions, TheIdBelongsToTheFolder) {
     const TestFolder other;
     const std::string id = Read({}).identity.id;
@@ -53,8 +85,8 @@ TEST_F(DeviceOptions, TheIdBelongsToTheFolder) {
 TEST_F(DeviceOptions, HelpNamesEveryOption) {
     const Options options = ReadOptions({"quillbox-device", "--help"});
     EXPECT_TRUE(options.helpWanted);
-    for (const char* name :
-         {"--root", "--port", "--address", "--name", "--rights", "--protocol-version", "--help"}) {
+    for (const char* name : {"--root", "--port", "--address", "--name", "--rights", "--protocol-version",
+                             "--announce", "--announce-to", "--help"}) {
         EXPECT_THAT(options.message, HasSubstr(name));
     }
 }
@@ -88,6 +120,8 @@ INSTANTIATE_TEST_SUITE_P(
                       BadCase{{"--rights", "dc-"}, "--rights takes three characters"},
                       BadCase{{"--protocol-version", "one"}, "--protocol-version takes a number"},
                       BadCase{{"--protocol-version", "1."}, "--protocol-version takes a number"},
+                      BadCase{{"--announce-to", "::1"}, "--announce-to takes an IPv4 address"},
+                      BadCase{{"--announce-to", "two words"}, "--announce-to takes an IPv4 address"},
                       BadCase{{"surplus"}, "Unexpected argument: surplus"},
                       BadCase{{"--colour"}, "Unknown option 'colour'"}));
 
