@@ -105,7 +105,10 @@ AsyncUdpSocket::AsyncUdpSocket(AsyncUdpSocketDelegate* zpDelegate, long zUserDat
 std::unique_ptr<DatagramSocket> AsyncUdpSocket::OpenHalf(int zFamily) {
     auto pHalf = std::make_unique<DatagramSocket>(
         zFamily, [this, zFamily](DatagramSocket::Event event) { onSocketEvent(Half(zFamily), event); });
-    return pHalf->IsOpen() ? std::move(pHalf) : nullptr;
+    if (!pHalf->IsOpen()) {
+        pHalf.reset();
+    }
+    return pHalf;
 }
 
 std::unique_ptr<DatagramSocket>& AsyncUdpSocket::OwnerOfHalf(int zFamily) {
