@@ -86,10 +86,11 @@ public:
 
     void setUserData(long zUserData) { mUserData = zUserData; }
 
-    /// Binds each half to a port (0: any free one for each) on all interfaces, or on those of an address; a half
-    /// without an address there is closed. Other sockets that allow it too may be bound to the same. A name
-    /// in place of a numeric address is looked up while the caller waits. False, with zrError filled, when
-    /// that fails. Throws AsyncUdpSocketException when the socket is closed or bound.
+    /// Binds each half to a port (0: any free one for each) on all interfaces, or on those of an address; a
+    /// half without an address there is closed. Other sockets that allow it too may be bound to the same. A
+    /// name in place of a numeric address is looked up while the caller waits. False, with zrError filled,
+    /// when that fails; a half may be bound then, and only another socket is of use. Throws
+    /// AsyncUdpSocketException when the socket is closed or bound.
     bool bindToPort(std::uint16_t zPort, std::optional<SocketError>& zrError);
     bool bindToAddress(const std::string& zAddress, std::uint16_t zPort, std::optional<SocketError>& zrError);
 

@@ -21,9 +21,13 @@ DatagramSocket::DatagramSocket(int zFamily, const Handler& zHandler)
     if (!IsOpen()) {
         return;
     }
+    const int on = 1;
+    const int off = 0;
     if (zFamily == AF_INET6) {
-        const int only = 1;
-        SetOption(IPPROTO_IPV6, IPV6_V6ONLY, &only, sizeof only);
+        SetOption(IPPROTO_IPV6, IPV6_V6ONLY, &on, sizeof on);
+    } else {
+        // The groups that other programs of this machine have joined are theirs.
+        SetOption(IPPROTO_IP, IP_MULTICAST_ALL, &off, sizeof off);
     }
     mpReadable = MakeNotifier(QSocketNotifier::Read, kReadable, zHandler);
     mpWritable = MakeNotifier(QSocketNotifier::Write, kWritable, zHandler);

@@ -22,5 +22,5 @@ public:
     virtual const std::vector<HostRecord>& GetDeviceList() const = 0;
 
     /// Starts to listen for devices unless that has been done already; false while it cannot be done.
-    virtual bool EnsureStarted() = 0;
+    virtual bool EnsureListening() = 0;
 };

@@ -4,7 +4,11 @@
 #include "CommonUtils.h"
 #include "CommonUtils_OSX.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+
 #include <chrono>
+#include <cstring>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -32,6 +36,17 @@ constexpr long kTag = 0;
 bool LogFailure(const std::string& zWhat, const std::optional<SocketError>& zError) {
     DebugPrint("Discover: Can't " + zWhat + (zError ? ", " + zError->description : "") + '\n');
     return false;
+}
+
+SocketAddress GroupAddress() {
+    sockaddr_in group{};
+    group.sin_family = AF_INET;
+    group.sin_port = htons(kDiscoveryPort);
+    ::inet_pton(AF_INET, kGroup, &group.sin_addr);
+    SocketAddress address;
+    std::memcpy(&address.storage, &group, sizeof group);
+    address.length = sizeof group;
+    return address;
 }
 
 } // namespace
@@ -79,16 +94,17 @@ bool Discover::ReadLocalIPs() {
 
 // --- Starting and ending ---
 
-bool Discover::EnsureStarted() {
+bool Discover::EnsureListening() {
     return mTimer.isActive() || connectSocket();
 }
 
 bool Discover::connectSocket() {
     if (!OpenSocket()) {
+        mTimer.stop();
         mpSocket.reset();
         return false;
     }
-    mAddress4 = ResolveNumericHost(kGroup, kDiscoveryPort)->addresses.front();
+    mAddress4 = GroupAddress();
     sendString();
     mTimer.start(kPeriod);
     mpSocket->receiveWithTimeout(kNoTimeout, kTag);

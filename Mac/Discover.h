@@ -51,7 +51,7 @@ public:
     /// The other desktops; live like the list of devices.
     const std::vector<HostRecord>& GetDesktopList() const { return mDesktopList.GetRecords(); }
 
-    bool EnsureStarted() override;
+    bool EnsureListening() override;
 
     bool onUdpSocketDidReceiveData(AsyncUdpSocket& zrSocket, const QByteArray& zData, long zTag,
                                    const std::string& zHost, std::uint16_t zPort) override;

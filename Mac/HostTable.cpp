@@ -15,11 +15,14 @@ void HostTable::Heard(const std::string& zHost, const std::string& zName, std::i
     if (mRecords.size() == kMostHosts) {
         Remove(std::ranges::min_element(mRecords, {}, &HostRecord::dateValue));
     }
-    DebugPrint("New " + mKind + " host: " + zHost + '\n');
+    Log("New " + mKind + " host: " + zHost);
     mRecords.push_back(latest);
 }
 
 void HostTable::RemoveSilent(TimePoint zNow, std::chrono::duration<double> zAge) {
+    for (HostRecord& record : mRecords) {
+        record.dateValue = std::min(record.dateValue, zNow);
+    }
     const auto isSilent = [&](const HostRecord& record) { return zNow - record.dateValue > zAge; };
     for (auto next = mRecords.begin();
          (next = std::find_if(next, mRecords.end(), isSilent)) != mRecords.end();) {
@@ -28,6 +31,12 @@ void HostTable::RemoveSilent(TimePoint zNow, std::chrono::duration<double> zAge)
 }
 
 HostTable::Iterator HostTable::Remove(Iterator zRecord) {
-    DebugPrint("Discover - Removing " + mKind + " host: " + OneLogLine(zRecord->nameValue) + '\n');
+    Log("Discover - Removing " + mKind + " host: " + OneLogLine(zRecord->nameValue));
     return mRecords.erase(zRecord);
+}
+
+void HostTable::Log(const std::string& zLine) {
+    if (mLogLimit.Admits()) {
+        DebugPrint(zLine + '\n');
+    }
 }

@@ -33,7 +33,7 @@ struct sTableEntry {
 /// quitting included, may run inside any of the waiting calls below; after each of them the connection is
 /// looked at again. Its bodies are split by the work they do: Session (connection, waiting), Browser (table,
 /// folders, enabled states), Lifecycle (launch, end), Download.
-class Controller : public AsyncSocketDelegate, public TableDataSource {
+class Controller : public AsyncSocketDelegate, public TableDataSource, private DeviceListSource {
 public:
     /// What one polling step found.
     enum eReply { StillWaiting = 0, Done = 1, FailedOrDisconnected = 2, Cancelled = 3 };
@@ -166,7 +166,8 @@ private:
     void CentreOverWindow(QWidget& zrDialog) const;
 
     // Session
-    void MakeDiscovery();
+    const std::vector<HostRecord>& GetDeviceList() const override;
+    bool EnsureListening() override;
     bool ChooseDevice();
     void OpenSocket();
     bool WaitForWelcome(ModalSession& zrSession);

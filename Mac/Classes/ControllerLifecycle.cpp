@@ -41,10 +41,7 @@ void Controller::applicationDidFinishLaunching() {
     tableView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     tableView->verticalHeader()->setDefaultSectionSize(kRowHeight);
     mPortNumber = kDevicePort;
-    MakeDiscovery();
-    if (discover) {
-        discover->connectSocket();
-    }
+    EnsureListening();
     UpdateControls();
     SetStatusText("Press the 'Connect' button to begin");
 }

@@ -50,16 +50,22 @@ void Controller::OnConnectButton() {
     UpdateControls();
 }
 
-void Controller::MakeDiscovery() {
+/// Discovery that could not even begin is begun anew whenever the dialog asks for it.
+bool Controller::EnsureListening() {
     if (!discover) {
         discover = Discover::initWithType(kDesktopType, kDesktopPort);
     }
+    return discover && discover->EnsureListening();
+}
+
+const std::vector<HostRecord>& Controller::GetDeviceList() const {
+    static const std::vector<HostRecord> none;
+    return discover ? discover->GetDeviceList() : none;
 }
 
 bool Controller::ChooseDevice() {
-    MakeDiscovery();
     SelectController dialog(&mrWindow);
-    dialog.Init(discover.get());
+    dialog.Init(this);
     ModalSession session(dialog);
     while (dialog.GetResult() == 0 && !mTerminating) {
         session.RunOnce();

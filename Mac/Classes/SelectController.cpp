@@ -2,13 +2,22 @@
 
 #include "Alert.h"
 #include "CommonUtils.h"
+#include "DeferredCall.h"
 #include "ModalSession.h"
 #include "Settings.h"
 #include "UserGuide.h"
 #include "WidgetText.h"
 #include "ui_SelectView.h"
 
+#include <QtCore/QEvent>
+#include <QtCore/QRegularExpression>
+#include <QtGui/QClipboard>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QStyle>
+
 #include <algorithm>
+#include <array>
+#include <chrono>
 #include <cstdlib>
 #include <exception>
 
@@ -19,10 +28,72 @@ constexpr int kRunning = 0;
 constexpr int kAccepted = 1;
 constexpr int kCancelled = 2;
 constexpr long kLargestOctet = 255;
+constexpr int kLeastWidth = 400;
+constexpr int kLeastHeight = 320;
+constexpr std::chrono::milliseconds kNewsInterval(500);
+
+constexpr const char* kNothingToSay = "";
+constexpr const char* kLooking =
+    "Looking for devices. If yours does not appear, check that it is on the same network, that its file "
+    "server is on, and that this computer's firewall lets UDP port 10245 in.";
+constexpr const char* kCannotLook =
+    "Devices cannot be looked for at the moment. Check the network connection "
+    "and press Refresh.";
+constexpr const char* kNews = "New devices were found. Press Refresh to see them.";
+// While an address is typed, Refresh is out of reach.
+constexpr const char* kCannotLookTyping =
+    "Devices cannot be looked for at the moment. Check the network connection, choose \"Use found device\" "
+    "and press Refresh.";
+constexpr const char* kNewsTyping =
+    "New devices were found. To see them, choose \"Use found device\" and press Refresh.";
+constexpr std::array kHints = {kNothingToSay, kLooking, kCannotLook, kNews, kCannotLookTyping, kNewsTyping};
+constexpr const char* kRefreshNews = "New devices were found";
 
 /// The number at the start of a text, brought into the range of an octet; 0 where there is none.
 long LeadingOctet(const std::string& zText) {
     return std::clamp(std::strtol(zText.c_str(), nullptr, 10), 0L, kLargestOctet);
+}
+
+QString OctetText(const QString& zText) {
+    return QString::number(LeadingOctet(FromWidgetText(zText)));
+}
+
+/// The four numbers of a text that is a dotted address and nothing else but white space around it.
+QStringList WholeAddress(const QString& zText) {
+    static const QRegularExpression kDotted(QStringLiteral("^[0-9]+([.][0-9]+){3}$"));
+    const QString text = zText.trimmed();
+    return kDotted.match(text).hasMatch() ? text.split(QLatin1Char('.')) : QStringList();
+}
+
+/// The address that has just been pasted into a field which now holds zText, perhaps between other digits.
+QStringList PastedAddress(const QString& zText) {
+    constexpr int kDots = 3; // nobody types as many, since each goes at once
+    if (zText.count(QLatin1Char('.')) < kDots) {
+        return {};
+    }
+    for (const QClipboard::Mode mode : {QClipboard::Clipboard, QClipboard::Selection}) {
+        const QString pasted = QGuiApplication::clipboard()->text(mode).trimmed();
+        QStringList octets = WholeAddress(pasted);
+        if (!octets.isEmpty() && zText.contains(pasted)) {
+            return octets;
+        }
+    }
+    return WholeAddress(zText); // dropped, or brought by an input method
+}
+
+QIcon NewsIcon() {
+    return QApplication::style()->standardIcon(QStyle::SP_MessageBoxInformation);
+}
+
+QSize SizeWithIcon(const QPushButton& zrButton) {
+    QPushButton twin(NewsIcon(), zrButton.text());
+    twin.setFont(zrButton.font());
+    return twin.sizeHint();
+}
+
+/// A tool tip of plain text; the toolkit guesses and would show markup as rich text.
+QString PlainToolTip(const QString& zText) {
+    return Qt::convertFromPlainText(zText, Qt::WhiteSpaceNormal);
 }
 
 } // namespace
@@ -38,6 +109,10 @@ SelectController::SelectController(QWidget* zpParent)
     mpRefreshButton = mpUi->refresh;
     mpUseFoundDevice = mpUi->useFoundDevice;
     mpEnterIP = mpUi->enterIP;
+    QSizePolicy hintPolicy = mpUi->hint->sizePolicy();
+    hintPolicy.setRetainSizeWhenHidden(true);
+    mpUi->hint->setSizePolicy(hintPolicy);
+    LimitSize();
     Connect();
 }
 
@@ -50,6 +125,8 @@ void SelectController::Connect() {
     OnPress(*mpUi->ok, [this] { okDlg(); });
     OnPress(*mpUi->cancel, [this] { cancelDlg(); });
     OnPress(*mpUi->help, [this] { OnHelpButton(); });
+    PrepareCall(mLimitTimer, [this] { LimitSize(); });
+    connect(&mNewsTimer, &QTimer::timeout, this, [this] { ShowNews(); });
     connect(tableView, &QListWidget::itemDoubleClicked, this, [this] { okDlg(); });
     for (QLineEdit* field : AddressFields()) {
         connect(field, &QLineEdit::textEdited, this, [this, field] { controlTextDidChange(*field); });
@@ -66,7 +143,7 @@ void SelectController::ConnectMode(QRadioButton& zrButton, const std::function<v
     });
 }
 
-void SelectController::Init(const DeviceListSource* zpDiscover) {
+void SelectController::Init(DeviceListSource* zpDiscover) {
     mResult = kRunning;
     mpDiscover = zpDiscover;
     mPortNumber = kDevicePort;
@@ -87,9 +164,11 @@ void SelectController::windowDidLoad() {
     } else {
         OnUseFoundDeviceButton();
     }
+    mNewsTimer.start(kNewsInterval);
 }
 
 void SelectController::OnRefreshButton() {
+    mIsLooking = mpDiscover == nullptr || mpDiscover->EnsureListening();
     mListEntries.clear();
     int selectedRow = 0;
     const std::vector<HostRecord> none;
@@ -105,11 +184,94 @@ void SelectController::OnRefreshButton() {
 void SelectController::ReloadList(int zSelectedRow) {
     tableView->clear();
     for (int row = 0; row < numberOfRowsInTableView(); ++row) {
-        tableView->addItem(ToWidgetText(tableViewObjectValueForTableColumn("", row).value_or("")));
+        AddRow(row);
     }
-    mpUi->emptyHint->setVisible(mListEntries.empty());
     if (zSelectedRow < numberOfRowsInTableView()) {
         tableView->setCurrentRow(zSelectedRow, QItemSelectionModel::ClearAndSelect);
+    }
+    ShowNews();
+}
+
+/// The address tells apart devices of the same name.
+void SelectController::AddRow(int zRow) {
+    const QString address = ToWidgetText(mListEntries[static_cast<std::size_t>(zRow)].address);
+    const std::string name = tableViewObjectValueForTableColumn("", zRow).value_or("");
+    auto item = std::make_unique<QListWidgetItem>(ToWidgetText(name));
+    item->setData(Qt::AccessibleDescriptionRole, address);
+    item->setToolTip(PlainToolTip(address));
+    tableView->addItem(item.release()); // the list owns its items
+}
+
+bool SelectController::IsListed(const std::string& zAddress) const {
+    return std::any_of(mListEntries.begin(), mListEntries.end(),
+                       [&](const cListEntry& zrEntry) { return zrEntry.address == zAddress; });
+}
+
+bool SelectController::HasNews() const {
+    if (mpDiscover == nullptr) {
+        return false;
+    }
+    const std::vector<HostRecord>& hosts = mpDiscover->GetDeviceList();
+    return std::any_of(hosts.begin(), hosts.end(),
+                       [this](const HostRecord& zrHost) { return !IsListed(zrHost.hostValue); });
+}
+
+const char* SelectController::ChooseHint(bool zHasNews) const {
+    const bool typing = mpEnterIP->isChecked();
+    if (zHasNews) {
+        return typing ? kNewsTyping : kNews;
+    }
+    if (!mListEntries.empty()) {
+        return kNothingToSay;
+    }
+    if (mIsLooking) {
+        return kLooking;
+    }
+    return typing ? kCannotLookTyping : kCannotLook;
+}
+
+/// Says by the line under the list and by the Refresh button what the list itself does not show.
+void SelectController::ShowNews() {
+    const bool hasNews = HasNews();
+    SetHint(Translated(ChooseHint(hasNews)));
+    const QString description = hasNews ? ToWidgetText(Translated(kRefreshNews)) : QString();
+    if (mpRefreshButton->accessibleDescription() != description) {
+        mpRefreshButton->setAccessibleDescription(description);
+        mpRefreshButton->setIcon(hasNews ? NewsIcon() : QIcon());
+    }
+}
+
+/// The list has the words too, as its keyboard focus is where assistive tools read from.
+void SelectController::SetHint(const std::string& zText) {
+    const QString words = ToWidgetText(zText);
+    if (mpUi->hint->text() != words) {
+        mpUi->hint->setText(words);
+        tableView->setAccessibleDescription(words);
+    }
+    mpUi->hint->setVisible(!words.isEmpty());
+}
+
+/// Whatever the line and the button come to show, nothing grows for it.
+void SelectController::LimitSize() {
+    mpRefreshButton->setMinimumSize(SizeWithIcon(*mpRefreshButton));
+    layout()->activate(); // the rows within it remember what they measured before
+    const QString shown = mpUi->hint->text();
+    const int width = std::max(kLeastWidth, layout()->totalMinimumSize().width());
+    int height = kLeastHeight;
+    for (const char* hint : kHints) {
+        mpUi->hint->setText(ToWidgetText(Translated(hint)));
+        layout()->activate();
+        height = std::max(height, layout()->totalMinimumHeightForWidth(width));
+    }
+    mpUi->hint->setText(shown);
+    setMinimumSize(width, height);
+}
+
+void SelectController::changeEvent(QEvent* zpEvent) {
+    ModalDialog::changeEvent(zpEvent);
+    const bool isLoaded = mpUi->hint != nullptr;
+    if (isLoaded && (zpEvent->type() == QEvent::FontChange || zpEvent->type() == QEvent::StyleChange)) {
+        StartCall(mLimitTimer); // the controls get theirs after the window
     }
 }
 
@@ -136,7 +298,10 @@ std::vector<QLineEdit*> SelectController::AddressFields() const {
 
 void SelectController::controlTextDidChange(QLineEdit& zrField) {
     const QString typed = zrField.text();
-    const QString octet = QString::number(LeadingOctet(FromWidgetText(typed)));
+    if (TakeWholeAddress(typed)) {
+        return;
+    }
+    const QString octet = OctetText(typed);
     if (octet != typed) {
         zrField.setText(octet);
     }
@@ -144,6 +309,19 @@ void SelectController::controlTextDidChange(QLineEdit& zrField) {
         zrField.setFocus();
         focusNextChild();
     }
+}
+
+bool SelectController::TakeWholeAddress(const QString& zText) {
+    const QStringList octets = PastedAddress(zText);
+    if (octets.isEmpty()) {
+        return false;
+    }
+    qsizetype part = 0;
+    for (QLineEdit* field : AddressFields()) {
+        field->setText(OctetText(octets[part++]));
+    }
+    ipTextField4->setFocus();
+    return true;
 }
 
 void SelectController::OnUseFoundDeviceButton() {
@@ -165,6 +343,7 @@ void SelectController::SetFoundDeviceMode(bool zOn) {
     }
     mpRefreshButton->setEnabled(zOn);
     tableView->setEnabled(zOn);
+    ShowNews();
 }
 
 void SelectController::okDlg() {

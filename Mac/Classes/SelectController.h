@@ -3,6 +3,8 @@
 #include "DeviceListSource.h"
 #include "ModalDialog.h"
 
+#include <QtCore/QTimer>
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -28,6 +30,9 @@ struct cListEntry {
 
 /// The dialog in which the user picks a found device or types an address. It remembers the choice in the
 /// settings, in memory only.
+///
+/// The list is a snapshot, so that nothing moves under the pointer. A line under it says why it is empty, or
+/// that there are devices by now that it does not show.
 class SelectController : public ModalDialog {
 public:
     explicit SelectController(QWidget* zpParent);
@@ -35,9 +40,10 @@ public:
 
     /// Sets the source of the device list (null: no devices) and then runs windowDidLoad. Called once,
     /// before showing; the source must outlive the dialog.
-    void Init(const DeviceListSource* zpDiscover);
+    void Init(DeviceListSource* zpDiscover);
 
-    /// Fills the fields and the list from the settings and the source, and chooses the mode.
+    /// Fills the fields and the list from the settings and the source, and chooses the mode. Before Init
+    /// there is no source yet; Init does it again.
     void windowDidLoad();
 
     /// 0 while the dialog runs, 1 after OK, 2 after Cancel.
@@ -50,6 +56,7 @@ public:
     /// The chosen device's announced name; empty for a typed address.
     const std::string& GetDeviceName() const { return mDeviceName; }
 
+    /// Starts the source unless it has started, and renews the list.
     void OnRefreshButton();
     void OnUseFoundDeviceButton();
     void OnEnterIPButton();
@@ -62,11 +69,14 @@ public:
     /// The text of a row, the same for every column; nothing for a row outside the list.
     std::optional<std::string> tableViewObjectValueForTableColumn(const std::string& zColumn, int zRow) const;
 
-    /// Keeps an address field a number from 0 to 255; a typed "." goes on to the next field.
+    /// Keeps an address field a number from 0 to 255; a typed "." goes on to the next field, and a pasted
+    /// dotted address fills all four.
     void controlTextDidChange(QLineEdit& zrField);
 
 protected:
     void Dismiss() override { cancelDlg(); }
+
+    void changeEvent(QEvent* zpEvent) override;
 
     virtual std::string FetchName(const cListEntry& zrEntry) const { return zrEntry.name; }
 
@@ -75,7 +85,15 @@ private:
     void ConnectMode(QRadioButton& zrButton, const std::function<void()>& zAction);
     void SetFoundDeviceMode(bool zOn);
     void ReloadList(int zSelectedRow);
+    void AddRow(int zRow);
+    bool IsListed(const std::string& zAddress) const;
+    bool HasNews() const;
+    const char* ChooseHint(bool zHasNews) const;
+    void ShowNews();
+    void SetHint(const std::string& zText);
+    void LimitSize();
     std::vector<QLineEdit*> AddressFields() const;
+    bool TakeWholeAddress(const QString& zText);
     void TakeFoundDevice();
     void TakeTypedAddress();
     void AskForTypedAddress();
@@ -89,7 +107,10 @@ private:
     QPushButton* mpRefreshButton = nullptr;
     QRadioButton* mpUseFoundDevice = nullptr;
     QRadioButton* mpEnterIP = nullptr;
-    const DeviceListSource* mpDiscover = nullptr;
+    DeviceListSource* mpDiscover = nullptr;
+    bool mIsLooking = true; ///< false while the source cannot be started
+    QTimer mNewsTimer;      ///< for looking at the live list
+    QTimer mLimitTimer;     ///< for LimitSize in the next pass of the event loop
     int mResult = 0;
     std::string mIPAddressStr;
     int mPortNumber = 0;

@@ -1,93 +1,22 @@
-#include "SelectController.h"
 #include "Browser.h"
+#include "SelectFixture.h"
 
 #include "Alert.h"
-#include "Hermetic.h"
 #include "ModalSession.h"
 #include "RunLoop.h"
-#include "Settings.h"
-#include "WidgetDriver.h"
 
 #include <QtGui/QAccessible>
 #include <QtGui/QDesktopServices>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QLineEdit>
-#include <QtWidgets/QListWidget>
-#include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QRadioButton>
 #include <gmock/gmock.h>
 
 #include <array>
-#include <memory>
 #include <stdexcept>
 
 namespace {
 
 using ::testing::ElementsAre;
-
-struct sDeviceList : DeviceListSource {
-    std::vector<HostRecord> records;
-
-    const std::vector<HostRecord>& GetDeviceList() const override { return records; }
-
-    void Add(const std::string& zName, const std::string& zAddress, int zPort = 4711) {
-        records.push_back({zAddress, zName, zPort, {}});
-    }
-};
-
-class Selection : public ::testing::Test {
-protected:
-    void SetUp() override {
-        GetSettings() = cSettings();
-        ShowActive(mMain);
-    }
-
-    /// Makes the dialog from the settings and the devices of now, and shows it.
-    SelectController& Open() {
-        mpDialog = std::make_unique<SelectController>(&mMain);
-        mpDialog->Init(&mDevices);
-        ShowActive(*mpDialog);
-        return *mpDialog;
-    }
-
-    QLineEdit& Octet(int zNumber) {
-        return Control<QLineEdit>(*mpDialog, ("Address octet " + std::to_string(zNumber)).c_str());
-    }
-
-    std::vector<std::string> Octets() {
-        std::vector<std::string> texts;
-        for (int number = 1; number <= 4; ++number) {
-            texts.push_back(Octet(number).text().toStdString());
-        }
-        return texts;
-    }
-
-    QListWidget& List() { return Control<QListWidget>(*mpDialog, "Devices"); }
-
-    QRadioButton& FoundButton() { return Control<QRadioButton>(*mpDialog, "Use found device"); }
-
-    QRadioButton& TypedButton() { return Control<QRadioButton>(*mpDialog, "Enter IP address"); }
-
-    void Press(const char* zName) { Click<QPushButton>(*mpDialog, zName); }
-
-    void ExpectMode(bool zFoundDevice) {
-        EXPECT_EQ(FoundButton().isChecked(), zFoundDevice);
-        EXPECT_EQ(TypedButton().isChecked(), !zFoundDevice);
-        EXPECT_EQ(List().isEnabled(), zFoundDevice);
-        EXPECT_EQ(Control<QPushButton>(*mpDialog, "Refresh").isEnabled(), zFoundDevice);
-        for (int number = 1; number <= 4; ++number) {
-            EXPECT_EQ(Octet(number).isEnabled(), !zFoundDevice) << number;
-        }
-        const QWidget* focus = zFoundDevice ? static_cast<QWidget*>(&List()) : &Octet(1);
-        EXPECT_EQ(mpDialog->focusWidget(), focus);
-    }
-
-    QMainWindow mMain;
-    sDeviceList mDevices;
-    std::unique_ptr<SelectController> mpDialog;
-};
 
 // --- Opening ---
 
@@ -238,15 +167,6 @@ TEST_F(Selection, RefreshReplacesTheSelection) {
     Press("Refresh");
     EXPECT_EQ(List().currentRow(), 1);
     EXPECT_EQ(List().selectedItems().size(), 1);
-}
-
-TEST_F(Selection, AnEmptyListSaysSo) {
-    Open();
-    const auto* hint = mpDialog->findChild<QLabel*>(QStringLiteral("emptyHint"));
-    EXPECT_TRUE(hint->isVisible());
-    mDevices.Add("Studio", "10.0.0.7");
-    Press("Refresh");
-    EXPECT_FALSE(hint->isVisible());
 }
 
 // --- Modes ---

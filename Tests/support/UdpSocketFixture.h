@@ -16,7 +16,8 @@
 class RecordingUdpDelegate : public AsyncUdpSocketDelegate {
 public:
     std::vector<std::string> mLines;
-    QByteArray mData; ///< of the last datagram
+    QByteArray mData;        ///< of the last datagram
+    std::uint16_t mPort = 0; ///< that it came from
     bool mTakes = true;
     std::function<void(const std::string& line)> mHook;
 
@@ -32,8 +33,9 @@ public:
     }
 
     bool onUdpSocketDidReceiveData(AsyncUdpSocket& /*socket*/, const QByteArray& data, long tag,
-                                   const std::string& host, std::uint16_t /*port*/) override {
+                                   const std::string& host, std::uint16_t port) override {
         mData = data;
+        mPort = port;
         const bool takes = mTakes; // the hook may change it, for the next one
         Record("received " +
                (data.size() < 40 ? data.toStdString() : std::to_string(data.size()) + " bytes") + " #" +

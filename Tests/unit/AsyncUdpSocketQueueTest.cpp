@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <netinet/in.h>
+
 #include <cerrno>
 #include <cstring>
 
@@ -56,8 +58,9 @@ TEST_F(AsyncUdpSocketQueueTest, RefusesWhatItCannotSend) {
     Bind();
     ASSERT_TRUE(mpSocket->joinMulticastGroup("225.1.1.1", mError));
     EXPECT_FALSE(mpSocket->sendData("x", Address6(mPeer.Port()), -1.0, 1));
-    AsyncUdpSocket only6(&mDelegate, 0, false, true);
-    EXPECT_FALSE(only6.sendData("x", PeerAddress(), -1.0, 1));
+    AsyncUdpSocket without4(&mDelegate);
+    ASSERT_TRUE(without4.bindToAddress("::1", 0, mError));
+    EXPECT_FALSE(without4.sendData("x", PeerAddress(), -1.0, 1));
     RunLoopPasses(5);
     EXPECT_THAT(mDelegate.mLines, IsEmpty());
     EXPECT_FALSE(mPeer.HasDatagram());
@@ -104,6 +107,14 @@ TEST_F(AsyncUdpSocketQueueTest, ReceivesOneDatagramForEachRequest) {
                 ElementsAre("received a #1 from 127.0.0.1", "received b #2 from 127.0.0.1"));
     mpSocket->receiveWithTimeout(-1.0, 3);
     EXPECT_TRUE(WaitForLine("received c #3 from 127.0.0.1"));
+}
+
+TEST_F(AsyncUdpSocketQueueTest, TellsThePortOfTheSender) {
+    Bind();
+    mpSocket->receiveWithTimeout(-1.0, 1);
+    ASSERT_TRUE(mPeer.Send("x", mpSocket->localPort()));
+    ASSERT_TRUE(WaitForLines(1));
+    EXPECT_EQ(mDelegate.mPort, mPeer.Port());
 }
 
 TEST_F(AsyncUdpSocketQueueTest, AnEmptyDatagramIsOneToo) {
@@ -204,12 +215,16 @@ TEST_F(AsyncUdpSocketQueueTest, ATimerOfAnEarlierRequestHarmsNobody) {
 
 TEST_F(AsyncUdpSocketQueueTest, AnErrorFailsTheReceive) {
     Bind();
+    // The system then tells a receiver that nobody listens where it has sent to.
+    const int on = 1;
+    mpSocket->Half(AF_INET)->SetOption(IPPROTO_IP, IP_RECVERR, &on, sizeof on);
+    const std::uint16_t closedPort = DatagramPeer().Port();
     mpSocket->receiveWithTimeout(-1.0, 1);
     RunLoopPasses(3);
-    ::testing::internal::CaptureStdout();
-    mpSocket->FailCurrentReceive(MakeErrnoError(ECONNREFUSED));
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
-    EXPECT_THAT(mDelegate.mLines, ElementsAre(std::string("not received #1 ") + std::strerror(ECONNREFUSED)));
+    ASSERT_TRUE(mpSocket->sendData("x", "127.0.0.1", closedPort, -1.0, 3));
+    ASSERT_TRUE(WaitForLines(2));
+    EXPECT_THAT(mDelegate.mLines,
+                ElementsAre("sent #3", std::string("not received #1 ") + std::strerror(ECONNREFUSED)));
     mpSocket->receiveWithTimeout(-1.0, 2);
     ASSERT_TRUE(mPeer.Send("x", mpSocket->localPort()));
     EXPECT_TRUE(WaitForLine("received x #2 from 127.0.0.1"));
@@ -254,6 +269,31 @@ TEST_P(InsideCallback, TheSocketMayBeClosed) {
 }
 
 INSTANTIATE_TEST_SUITE_P(TakesOrNot, InsideCallback, ::testing::Bool());
+
+TEST_F(AsyncUdpSocketQueueTest, TheSocketMayBeDestroyedWhenAReceiveTimesOut) {
+    mDelegate.mHook = [this](const std::string&) { mpSocket.reset(); };
+    Bind();
+    mpSocket->receiveWithTimeout(0.01, 1);
+    mpSocket->receiveWithTimeout(0.01, 2);
+    ASSERT_TRUE(WaitForLines(1));
+    RunLoopPasses(5);
+    EXPECT_THAT(mDelegate.mLines, ElementsAre("not received #1 Receive operation timed out"));
+}
+
+TEST_F(AsyncUdpSocketQueueTest, TheSocketMayBeDestroyedWhenASendFails) {
+    mDelegate.mHook = [this](const std::string&) { mpSocket.reset(); };
+    ASSERT_TRUE(mpSocket->sendData(QByteArray(70'000, 'x'), PeerAddress(), -1.0, 1));
+    ASSERT_TRUE(mpSocket->sendData("y", PeerAddress(), -1.0, 2));
+    ASSERT_TRUE(WaitForLines(1));
+    RunLoopPasses(5);
+    EXPECT_EQ(mDelegate.mLines.size(), 1U);
+}
+
+TEST_F(AsyncUdpSocketQueueTest, TheSocketMayBeDestroyedWhenItHasClosed) {
+    mDelegate.mHook = [this](const std::string&) { mpSocket.reset(); };
+    mpSocket->close();
+    EXPECT_TRUE(WaitForLine("closed"));
+}
 
 TEST_F(AsyncUdpSocketQueueTest, TheSocketMayBeDestroyedWhenASendIsDone) {
     mDelegate.mHook = [this](const std::string&) { mpSocket.reset(); };

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -53,6 +55,26 @@ TEST(HostTable, RemovesWhoIsOlderThanTheAgeAndNobodyElse) {
     EXPECT_EQ(GetCapturedStdout(), "Discover - Removing desktop host: older\n"
                                    "Discover - Removing desktop host: older too\n");
     EXPECT_THAT(Hosts(table), ElementsAre("10.0.0.2", "10.0.0.4"));
+}
+
+TEST(HostTable, AClockThatWasSetBackKeepsNobodyForLong) {
+    HostTable table("device");
+    table.Heard("10.0.0.1", "x", 1, kStart + 1h);
+    table.RemoveSilent(kStart, 10s);
+    EXPECT_EQ(table.GetRecords().size(), 1U);
+    table.RemoveSilent(kStart + 11s, 10s);
+    EXPECT_TRUE(table.GetRecords().empty());
+}
+
+TEST(HostTable, ForgedHostsDoNotFillTheLog) {
+    HostTable table("device");
+    CaptureStdout();
+    for (int i = 0; i < 10'000; ++i) {
+        table.Heard("host " + std::to_string(i), "x", 1, kStart + std::chrono::seconds(i));
+    }
+    const std::string log = GetCapturedStdout();
+    EXPECT_GE(std::ranges::count(log, '\n'), 100);
+    EXPECT_LT(std::ranges::count(log, '\n'), 5'000);
 }
 
 TEST(HostTable, LogsNewHostsOnce) {
