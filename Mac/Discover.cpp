@@ -95,7 +95,8 @@ bool Discover::ReadLocalIPs() {
 // --- Starting and ending ---
 
 bool Discover::EnsureListening() {
-    return mTimer.isActive() || connectSocket();
+    const bool isAnnouncing = mTimer.isActive();
+    return (isAnnouncing && !GetDeviceList().empty()) || connectSocket();
 }
 
 bool Discover::connectSocket() {

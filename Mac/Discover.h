@@ -40,7 +40,8 @@ public:
     /// log line, returns false, and may be called again.
     bool connectSocket();
 
-    /// One announcement, and the end of who was silent for too long. The timer calls it.
+    /// One announcement, and the end of who was silent for too long. The timer calls it. The own addresses
+    /// are read anew.
     void sendString();
 
     /// Ends announcing; what is listening still goes with the object.
@@ -51,6 +52,7 @@ public:
     /// The other desktops; live like the list of devices.
     const std::vector<HostRecord>& GetDesktopList() const { return mDesktopList.GetRecords(); }
 
+    /// Also joins anew where nobody is heard: the network may be another one since.
     bool EnsureListening() override;
 
     bool onUdpSocketDidReceiveData(AsyncUdpSocket& zrSocket, const QByteArray& zData, long zTag,

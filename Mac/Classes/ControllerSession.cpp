@@ -68,7 +68,9 @@ bool Controller::ChooseDevice() {
     dialog.Init(this);
     ModalSession session(dialog);
     while (dialog.GetResult() == 0 && !mTerminating) {
-        session.RunOnce();
+        if (session.RunOnce() != ModalSession::eModalResponse::Continues) {
+            break;
+        }
         RunLoop::RunSlice(kSlice, [&] { return dialog.GetResult() != 0 || mTerminating; });
     }
     session.End();

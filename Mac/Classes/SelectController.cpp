@@ -32,6 +32,9 @@ constexpr int kLeastWidth = 400;
 constexpr int kLeastHeight = 320;
 constexpr std::chrono::milliseconds kNewsInterval(500);
 
+/// Of an address field: whether it held something before the edit of now.
+constexpr const char* kHeldText = "heldText";
+
 constexpr const char* kNothingToSay = "";
 constexpr const char* kLooking =
     "Looking for devices. If yours does not appear, check that it is on the same network, that its file "
@@ -66,19 +69,19 @@ QStringList WholeAddress(const QString& zText) {
 }
 
 /// The address that has just been pasted into a field which now holds zText, perhaps between other digits.
-QStringList PastedAddress(const QString& zText) {
+QStringList PastedAddress(const QString& zText, bool zWasEmpty) {
     constexpr int kDots = 3; // nobody types as many, since each goes at once
-    if (zText.count(QLatin1Char('.')) < kDots) {
-        return {};
+    if (zWasEmpty || zText.count(QLatin1Char('.')) < kDots) {
+        return WholeAddress(zText);
     }
+    QString longest;
     for (const QClipboard::Mode mode : {QClipboard::Clipboard, QClipboard::Selection}) {
         const QString pasted = QGuiApplication::clipboard()->text(mode).trimmed();
-        QStringList octets = WholeAddress(pasted);
-        if (!octets.isEmpty() && zText.contains(pasted)) {
-            return octets;
+        if (pasted.size() > longest.size() && !WholeAddress(pasted).isEmpty() && zText.contains(pasted)) {
+            longest = pasted;
         }
     }
-    return WholeAddress(zText); // dropped, or brought by an input method
+    return WholeAddress(longest.isEmpty() ? zText : longest); // or dropped, or brought by an input method
 }
 
 QIcon NewsIcon() {
@@ -130,6 +133,8 @@ void SelectController::Connect() {
     connect(tableView, &QListWidget::itemDoubleClicked, this, [this] { okDlg(); });
     for (QLineEdit* field : AddressFields()) {
         connect(field, &QLineEdit::textEdited, this, [this, field] { controlTextDidChange(*field); });
+        connect(field, &QLineEdit::textChanged, field,
+                [field](const QString& zText) { field->setProperty(kHeldText, !zText.isEmpty()); });
     }
 }
 
@@ -139,6 +144,8 @@ void SelectController::ConnectMode(QRadioButton& zrButton, const std::function<v
     connect(&zrButton, &QRadioButton::toggled, this, [this, zAction](bool zOn) {
         if (zOn && ModalSession::Accepts(*this)) {
             zAction();
+            // An arrow key takes the keyboard to the button after it has switched it on.
+            QTimer::singleShot(0, this, [this] { FocusChosenWay(); });
         }
     });
 }
@@ -298,7 +305,7 @@ std::vector<QLineEdit*> SelectController::AddressFields() const {
 
 void SelectController::controlTextDidChange(QLineEdit& zrField) {
     const QString typed = zrField.text();
-    if (TakeWholeAddress(typed)) {
+    if (TakeWholeAddress(zrField)) {
         return;
     }
     const QString octet = OctetText(typed);
@@ -311,8 +318,8 @@ void SelectController::controlTextDidChange(QLineEdit& zrField) {
     }
 }
 
-bool SelectController::TakeWholeAddress(const QString& zText) {
-    const QStringList octets = PastedAddress(zText);
+bool SelectController::TakeWholeAddress(const QLineEdit& zrField) {
+    const QStringList octets = PastedAddress(zrField.text(), !zrField.property(kHeldText).toBool());
     if (octets.isEmpty()) {
         return false;
     }
@@ -326,13 +333,21 @@ bool SelectController::TakeWholeAddress(const QString& zText) {
 
 void SelectController::OnUseFoundDeviceButton() {
     SetFoundDeviceMode(true);
-    tableView->setFocus();
+    FocusChosenWay();
 }
 
 void SelectController::OnEnterIPButton() {
     SetFoundDeviceMode(false);
-    ipTextField1->setFocus();
-    ipTextField1->selectAll();
+    FocusChosenWay();
+}
+
+void SelectController::FocusChosenWay() {
+    if (mpUseFoundDevice->isChecked()) {
+        tableView->setFocus();
+    } else {
+        ipTextField1->setFocus();
+        ipTextField1->selectAll();
+    }
 }
 
 void SelectController::SetFoundDeviceMode(bool zOn) {
@@ -347,6 +362,9 @@ void SelectController::SetFoundDeviceMode(bool zOn) {
 }
 
 void SelectController::okDlg() {
+    if (mResult != kRunning) {
+        return;
+    }
     mIPAddressStr.clear();
     mDeviceName.clear();
     if (mpUseFoundDevice->isChecked()) {
@@ -390,6 +408,9 @@ void SelectController::TakeTypedAddress() {
 }
 
 void SelectController::Finish(int zResult) {
+    if (mResult != kRunning) {
+        return; // a second answer within the same turn
+    }
     mResult = zResult;
     ModalSession::StopCurrent();
 }

@@ -25,7 +25,7 @@ class SelectView;
 struct cListEntry {
     std::string name;
     std::string address;
-    std::int32_t port = 0; ///< as announced; connections always go to the device port
+    std::int32_t port = 0; ///< of the record, of no meaning; connections always go to the device port
 };
 
 /// The dialog in which the user picks a found device or types an address. It remembers the choice in the
@@ -84,6 +84,7 @@ private:
     void Connect();
     void ConnectMode(QRadioButton& zrButton, const std::function<void()>& zAction);
     void SetFoundDeviceMode(bool zOn);
+    void FocusChosenWay();
     void ReloadList(int zSelectedRow);
     void AddRow(int zRow);
     bool IsListed(const std::string& zAddress) const;
@@ -93,7 +94,7 @@ private:
     void SetHint(const std::string& zText);
     void LimitSize();
     std::vector<QLineEdit*> AddressFields() const;
-    bool TakeWholeAddress(const QString& zText);
+    bool TakeWholeAddress(const QLineEdit& zrField);
     void TakeFoundDevice();
     void TakeTypedAddress();
     void AskForTypedAddress();

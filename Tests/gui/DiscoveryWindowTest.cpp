@@ -72,7 +72,19 @@ TEST_F(LateNetworkTest, RefreshStartsWhatCouldNotBeStartedBefore) {
 
 TEST_F(LateNetworkTest, OpeningTheDialogStartsItToo) {
     ASSERT_EQ(std::system("ip route add 224.0.0.0/4 dev lo"), 0);
-    ExpectDeviceInDialog();
+    bool heard = false;
+    Meanwhile meanwhile;
+    meanwhile.WhenShown("Select Device", [&](QWidget& dialog) {
+        auto& refresh = Control<QPushButton>(dialog, "Refresh");
+        DatagramPeer announcer(mDevice.Address());
+        heard = WaitFor([&] {
+            announcer.Send("Phone:FileServer:10240;", kDiscoveryPort);
+            return refresh.accessibleDescription() == QStringLiteral("New devices were found");
+        });
+        Click<QPushButton>(dialog, "Cancel");
+    });
+    Press("Connect");
+    EXPECT_TRUE(heard);
 }
 
 } // namespace

@@ -94,6 +94,15 @@ TEST_F(PastedAddress, ComesByAnInputMethodToo) {
     EXPECT_THAT(Octets(), ElementsAre("192", "168", "1", "20"));
 }
 
+TEST_F(PastedAddress, WhatElseIsOnTheClipboardDoesNotCount) {
+    Copy("192.168.1.2");
+    Octet(1).clear();
+    QInputMethodEvent event;
+    event.setCommitString(QStringLiteral("192.168.1.20"));
+    QCoreApplication::sendEvent(&Octet(1), &event);
+    EXPECT_THAT(Octets(), ElementsAre("192", "168", "1", "20"));
+}
+
 TEST_F(PastedAddress, TakesTheClipboardOnlyWhenItIsPasted) {
     Copy("192.168.1.20");
     Octet(1).selectAll();

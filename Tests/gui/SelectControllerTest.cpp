@@ -4,6 +4,7 @@
 #include "Alert.h"
 #include "ModalSession.h"
 #include "RunLoop.h"
+#include "WaitFor.h"
 
 #include <QtGui/QAccessible>
 #include <QtGui/QDesktopServices>
@@ -401,6 +402,32 @@ TEST_F(EmptySelection, QuittingDuringTheQuestionCancels) {
 }
 
 // --- Leaving ---
+
+TEST_F(Selection, TheFirstAnswerCounts) {
+    mDevices.Add("Studio", "10.0.0.1");
+    SelectController& dialog = Open();
+    dialog.okDlg();
+    dialog.cancelDlg();
+    EXPECT_EQ(dialog.GetResult(), 1);
+    Open().cancelDlg();
+    mpDialog->okDlg();
+    EXPECT_EQ(mpDialog->GetResult(), 2);
+    EXPECT_EQ(mpDialog->GetIPAddressStr(), "");
+}
+
+TEST_F(Selection, AnArrowKeySwitchesTheModeAndTakesTheKeyboardThere) {
+    mDevices.Add("Studio", "10.0.0.1");
+    Open();
+    const ModalSession session(*mpDialog);
+    FoundButton().setFocus();
+    QTest::keyClick(&FoundButton(), Qt::Key_Down);
+    EXPECT_TRUE(WaitFor([this] { return mpDialog->focusWidget() == &Octet(1); }));
+    ExpectMode(false);
+    TypedButton().setFocus();
+    QTest::keyClick(&TypedButton(), Qt::Key_Up);
+    EXPECT_TRUE(WaitFor([this] { return mpDialog->focusWidget() == &List(); }));
+    ExpectMode(true);
+}
 
 TEST_F(Selection, CancelEscapeAndTheFrameGiveTwo) {
     mDevices.Add("Studio", "10.0.0.7");

@@ -131,11 +131,22 @@ TEST_F(DiscoverTest, SaysThatThereIsNoNetworkAndStartsLater) {
     EXPECT_TRUE(WaitForDevices({"127.0.0.5 Phone"}));
 }
 
-TEST_F(DiscoverTest, IsStartedOnce) {
+TEST_F(DiscoverTest, IsStartedOnceWhereDevicesAreHeard) {
     Start();
+    Send("127.0.0.5", "Phone:FileServer:1;");
+    ASSERT_TRUE(WaitForDevices({"127.0.0.5 Phone"}));
     CaptureStdout();
     EXPECT_TRUE(mpDiscover->EnsureListening());
     EXPECT_EQ(GetCapturedStdout(), "");
+}
+
+TEST_F(DiscoverTest, JoinsAnewWhereNobodyIsHeard) {
+    Start();
+    CaptureStdout();
+    EXPECT_TRUE(mpDiscover->EnsureListening());
+    EXPECT_EQ(GetCapturedStdout(), "Discover: Socket created\n");
+    Send("127.0.0.5", "Phone:FileServer:1;");
+    EXPECT_TRUE(WaitForDevices({"127.0.0.5 Phone"}));
 }
 
 // --- Listening ---
