@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+
+struct sStdioCloser {
+    void operator()(std::FILE* zpFile) const { std::fclose(zpFile); }
+};
+
+/// A C stream with one owner, closed with it.
+using tStdioStream = std::unique_ptr<std::FILE, sStdioCloser>;
