@@ -18,6 +18,8 @@
 #include <string>
 #include <vector>
 
+class cAudioConversion;
+
 /// One row of the table: a value for each column identifier, and the record behind it.
 struct sTableEntry {
     std::string Name;
@@ -32,7 +34,7 @@ struct sTableEntry {
 /// Everything runs on the main thread. An operation waits by pumping the event loop, so any callback,
 /// quitting included, may run inside any of the waiting calls below; after each of them the connection is
 /// looked at again. Its bodies are split by the work they do: Session (connection, waiting), Browser (table,
-/// folders, enabled states), Lifecycle (launch, end), Download.
+/// folders, enabled states), Lifecycle (launch, end), Transfers (what both ways share), Download, Upload.
 class Controller : public AsyncSocketDelegate, public TableDataSource, private DeviceListSource {
 public:
     /// What one polling step found.
@@ -141,7 +143,15 @@ public:
     /// Returns the error text; "" also when people cancelled.
     std::string DownloadFiles(const std::string& zDestination, const cDeviceDirList& zrDeviceFileList);
 
-    /// Creating folders, deleting and uploading come with a later version; says so.
+    // --- Upload ---
+
+    void OnUploadButton();
+
+    /// Uploads local files and folders (full paths) into a device folder, after asking about everything that
+    /// is there already in the folder on screen. Returns the error text; "" also when people cancelled.
+    std::string UploadFiles(const std::vector<std::string>& zPaths, const std::string& zDevicePath);
+
+    /// Creating folders and deleting come with a later version; says so.
     void OnNotYetAvailable();
 
     // --- Socket callbacks ---
@@ -160,6 +170,7 @@ private:
 
     struct sDownload;
     struct sListingProgress;
+    struct sUpload;
 
     Controller(MainWindow& zrWindow, OpenPanel& zrPanel, const sMainWindowControls& zControls);
     void ShowMessage(const std::string& zTitle, const std::string& zMessage);
@@ -177,6 +188,7 @@ private:
     static std::string ErrorText(const SocketError& zError);
     bool HasSocket(const AsyncSocket& zrSocket) const;
     bool OperationEnded() const;
+    bool IsClientBusy() const;
     eReply AwaitReply(ModalSession* zpSession);
     void CloseProgress(ModalSession& zrSession);
     std::string LostTransferText();
@@ -194,6 +206,11 @@ private:
     void UpdateConnectedControls();
     void UpdateDisconnectedControls();
 
+    // Transfers
+    bool MayGoOn(std::string& zrErrorText);
+    int AskToOverwrite(bool zIsFolder, const std::string& zName);
+    static std::string AmountText(std::int64_t zDone, std::uint64_t zTotal);
+
     // Download
     cDeviceDirList SelectedRecords() const;
     bool ChooseDestination(std::string& zrDestination);
@@ -201,7 +218,6 @@ private:
     void RefreshAfterTransfer(ModalSession& zrSession, const std::string& zPath);
     bool DownloadFilesRecurse(const std::string& zDestination, const cDeviceDirList& zrDeviceFileList,
                               sDownload& zrDownload);
-    bool MayGoOn(sDownload& zrDownload);
     bool DownloadFolder(const std::string& zDestination, const std::string& zDeviceDir,
                         const cClientProtocol::cDeviceFileInfo& zInfo, sDownload& zrDownload);
     bool DownloadFile(const std::string& zDestination, const std::string& zDeviceDir,
@@ -210,13 +226,22 @@ private:
     std::string ObstacleTo(const std::string& zLocalPath, const std::string& zDeviceDir,
                            const std::string& zName) const;
     int AskForPlace(const std::string& zLocalPath, sDownload& zrDownload);
-    int AskToOverwrite(const std::string& zLocalPath);
     bool WaitForDownload(const cClientProtocol::cDeviceFileInfo& zInfo, sListingProgress& zrProgress,
                          sDownload& zrDownload);
     static std::string AmountText(const cClientProtocol::cDeviceFileInfo& zInfo, float zFileProgress,
                                   const sDownload& zDownload);
     static float DownloadPosition(const cClientProtocol::cDeviceFileInfo& zInfo, float zFileProgress,
                                   const sListingProgress& zProgress, const sDownload& zDownload);
+
+    // Upload
+    std::vector<std::string> ChooseUploads(const std::string& zFolder);
+    bool DecideUploads(const std::vector<std::string>& zPaths, sUpload& zrUpload);
+    int AskForUpload(const std::string& zPath, sUpload& zrUpload);
+    void SendFiles(sUpload& zrUpload);
+    bool UploadFile(const std::string& zPath, sUpload& zrUpload);
+    void ShowConversions(cAudioConversion& zrRecord, const sUpload& zUpload);
+    void ShowUpload(const std::string& zName, float zDone, const sUpload& zUpload);
+    bool WaitForUpload(const std::string& zName, std::uint32_t zSize, sUpload& zrUpload);
 
     MainWindow& mrWindow;
     OpenPanel& mrPanel;

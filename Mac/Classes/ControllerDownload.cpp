@@ -141,7 +141,7 @@ std::string Controller::DownloadFiles(const std::string& zDestination,
     if (!IsConnected()) {
         return Translated("Connection has been closed");
     }
-    if (mpSocket->GetState() != FTS_IDLE && mpSocket->GetState() != FTS_ERROR) {
+    if (IsClientBusy()) {
         return Translated("Waiting for operation to finish"); // a cancelled one, whose reply is still due
     }
     std::uint32_t total = 0;
@@ -196,7 +196,7 @@ bool Controller::DownloadFilesRecurse(const std::string& zDestination, const cDe
                                       sDownload& zrDownload) {
     sListingProgress progress{ListingTotal(zrDeviceFileList)};
     for (const tFileInfo& info : zrDeviceFileList.mFile) {
-        if (!MayGoOn(zrDownload)) {
+        if (!MayGoOn(zrDownload.errorStr)) {
             return false;
         }
         if (!IsPlainEntryName(info.mName)) {
@@ -209,18 +209,6 @@ bool Controller::DownloadFilesRecurse(const std::string& zDestination, const cDe
         if (!goOn) {
             return false;
         }
-    }
-    return true;
-}
-
-/// Between any two steps people may have cancelled, and the connection may be lost or useless.
-bool Controller::MayGoOn(sDownload& zrDownload) {
-    if (progressDlg->GetCancelled()) {
-        return false;
-    }
-    if (!IsConnected() || mpSocket->GetState() == FTS_ERROR) {
-        zrDownload.errorStr = LostTransferText();
-        return false;
     }
     return true;
 }
@@ -240,7 +228,7 @@ bool Controller::DownloadFolder(const std::string& zDestination, const std::stri
     if (GetDirectoryContents(zrDownload.session, devicePath, &list)) {
         return DownloadFilesRecurse(localPath, list, zrDownload);
     }
-    if (!MayGoOn(zrDownload)) {
+    if (!MayGoOn(zrDownload.errorStr)) {
         return false;
     }
     LogSkipped(devicePath, "the folder cannot be listed");
@@ -255,7 +243,7 @@ bool Controller::DownloadFile(const std::string& zDestination, const std::string
     if (answer == CopyCancel) {
         return false;
     }
-    if (!MayGoOn(zrDownload)) {
+    if (!MayGoOn(zrDownload.errorStr)) {
         return false;
     }
     if (answer == CopyNo) {
@@ -293,20 +281,11 @@ int Controller::AskForPlace(const std::string& zLocalPath, sDownload& zrDownload
         const bool isTaken =
             std::filesystem::exists(std::filesystem::symlink_status(path, ignored)) && !IsFolder(path);
         if (isTaken && answer == CopyYes && !zrDownload.overwriteAll) {
-            answer = AskToOverwrite(path);
+            answer = AskToOverwrite(false, path);
             zrDownload.overwriteAll = answer == CopyYesToAll;
         }
     }
     return answer;
-}
-
-int Controller::AskToOverwrite(const std::string& zLocalPath) {
-    CopyFolderController prompt(&mrWindow);
-    prompt.setText(false, zLocalPath);
-    CentreOverWindow(prompt);
-    ModalSession::RunModal(prompt);
-    prompt.close();
-    return prompt.GetResult();
 }
 
 bool Controller::WaitForDownload(const tFileInfo& zInfo, sListingProgress& zrProgress,
@@ -333,17 +312,9 @@ bool Controller::WaitForDownload(const tFileInfo& zInfo, sListingProgress& zrPro
     return true;
 }
 
-/// How much of the whole download is done; "" where the whole is unknown.
 std::string Controller::AmountText(const tFileInfo& zInfo, float zFileProgress, const sDownload& zDownload) {
-    if (zDownload.totalFileSize == 0) {
-        return {};
-    }
-    const auto current = static_cast<qint64>(static_cast<float>(zInfo.mSize) * zFileProgress);
-    const auto total = static_cast<qint64>(zDownload.totalFileSize);
-    const qint64 done = std::clamp(zDownload.numBytesCopied + current, qint64{0}, total);
-    const QLocale locale;
-    return FromWidgetText(QCoreApplication::translate("Quillbox", "%1 of %2")
-                              .arg(locale.formattedDataSize(done, 1), locale.formattedDataSize(total, 1)));
+    const auto current = static_cast<std::int64_t>(static_cast<float>(zInfo.mSize) * zFileProgress);
+    return AmountText(zDownload.numBytesCopied + current, zDownload.totalFileSize);
 }
 
 float Controller::DownloadPosition(const tFileInfo& zInfo, float zFileProgress,

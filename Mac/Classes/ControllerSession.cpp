@@ -282,13 +282,15 @@ Controller::eReply Controller::AwaitReply(ModalSession* zpSession) {
     return reply;
 }
 
+bool Controller::IsClientBusy() const {
+    return mpSocket->GetState() != FTS_IDLE && mpSocket->GetState() != FTS_ERROR;
+}
+
 bool Controller::GetDirectoryContents(ModalSession* zpSession, const std::string& zPath,
                                       cDeviceDirList* zpDirList) {
     // While the client is busy, the end of what it is doing would pass for the end of this listing. One that
     // has failed unnoticed is not busy: the wait below then ends the connection with the reason.
-    const eClientState state = mpSocket->GetState();
-    const bool busy = state != FTS_IDLE && state != FTS_ERROR;
-    if (!IsConnected() || busy || !mpSocket->CommandFits(cClientProtocol::eCommand::kDir, zPath)) {
+    if (!IsConnected() || IsClientBusy() || !mpSocket->CommandFits(cClientProtocol::eCommand::kDir, zPath)) {
         return false;
     }
     mpSocket->GetDir(zPath, zpDirList == nullptr ? &mCurrentDirList : zpDirList);

@@ -81,7 +81,7 @@ void MainWindow::Attach(Controller& zrController) {
     Connect(mpUi->backButton, mpUi->backAction, &Controller::OnBackButton);
     Connect(mpUi->createFolderButton, mpUi->createFolderAction, &Controller::OnNotYetAvailable);
     Connect(mpUi->deleteButton, mpUi->deleteAction, &Controller::OnNotYetAvailable);
-    Connect(mpUi->uploadButton, mpUi->uploadAction, &Controller::OnNotYetAvailable);
+    Connect(mpUi->uploadButton, mpUi->uploadAction, &Controller::OnUploadButton);
     Connect(mpUi->downloadButton, mpUi->downloadAction, &Controller::OnDownloadButton);
     ConnectTable();
     ConnectMenu();

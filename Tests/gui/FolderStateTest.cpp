@@ -141,10 +141,9 @@ struct sLaterCase {
     Qt::KeyboardModifiers modifiers;
 };
 
-const std::array<sLaterCase, 3> kLaterCases = {
+const std::array<sLaterCase, 2> kLaterCases = {
     {{"Create Folder", Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier},
-     {"Delete", Qt::Key_Delete, Qt::NoModifier},
-     {"Upload", Qt::Key_U, Qt::ControlModifier}}};
+     {"Delete", Qt::Key_Delete, Qt::NoModifier}}};
 
 TEST_F(FolderState, WhatComesLaterSaysSoWhicheverWayItIsAskedFor) {
     for (const sLaterCase& row : kLaterCases) {

@@ -39,6 +39,11 @@ std::string PathIn(const std::string& zCommand) {
     return path.starts_with("User/") ? path.substr(5) : path;
 }
 
+qsizetype LengthIn(const std::string& zCommand) {
+    static constexpr std::string_view kLength = "Length = \"";
+    return static_cast<qsizetype>(std::stol(zCommand.substr(zCommand.find(kLength) + kLength.size())));
+}
+
 bool IsInside(const std::string& zPath, const std::string& zFolder) {
     return zFolder.empty() || zPath.starts_with(zFolder + "/");
 }
@@ -92,6 +97,11 @@ const ScriptedDevice::sEntry* ScriptedDevice::Find(const std::string& zPath) con
     return found == mEntries.end() ? nullptr : &*found;
 }
 
+std::optional<std::string> ScriptedDevice::Content(const std::string& zPath) const {
+    const sEntry* file = Find(zPath);
+    return file == nullptr || file->isFolder ? std::nullopt : std::optional(file->content);
+}
+
 // --- Texts ---
 
 std::string ScriptedDevice::DirCommand(const std::string& zPath) {
@@ -100,6 +110,11 @@ std::string ScriptedDevice::DirCommand(const std::string& zPath) {
 
 std::string ScriptedDevice::DownloadCommand(const std::string& zPath) {
     return R"(<cmd download>Name = "User/)" + zPath + R"("</cmd>)";
+}
+
+std::string ScriptedDevice::UploadCommand(const std::string& zPath, std::size_t zLength) {
+    return R"(<cmd upload>Name = "User/)" + zPath + R"(" Length = ")" + std::to_string(zLength) +
+           R"("</cmd>)";
 }
 
 std::string ScriptedDevice::LengthPrefix(std::size_t zLength) {
@@ -162,9 +177,11 @@ bool ScriptedDevice::HasConnection() const {
 void ScriptedDevice::OnConnection() {
     while (QTcpSocket* connection = mServer.nextPendingConnection()) {
         ++mConnectionCount;
+        mListening = true;
         delete mpConnection;
         mpConnection = connection;
         mIncoming.clear();
+        mUploadLength = 0;
         mOutgoing.clear();
         connection->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         QObject::connect(connection, &QTcpSocket::readyRead, &mServer, [this] { OnReadable(); });
@@ -173,16 +190,66 @@ void ScriptedDevice::OnConnection() {
 }
 
 void ScriptedDevice::OnReadable() {
-    static constexpr std::string_view kEnd = "</cmd>";
+    if (!mListening) {
+        return;
+    }
     mIncoming += mpConnection->readAll();
-    qsizetype end = mIncoming.indexOf(kEnd.data());
-    while (end >= 0) {
-        const qsizetype length = end + static_cast<qsizetype>(kEnd.size());
-        const std::string command = mIncoming.left(length).toStdString();
-        mIncoming.remove(0, length);
-        mCommands.push_back(command);
-        Answer(command);
-        end = mIncoming.indexOf(kEnd.data());
+    while (mUploadLength > 0 ? TakeBody() : TakeCommand()) {
+    }
+}
+
+bool ScriptedDevice::TakeBody() {
+    if (mIncoming.size() < mUploadLength) {
+        return false;
+    }
+    Store(mUploadPath, mIncoming.left(mUploadLength).toStdString());
+    mIncoming.remove(0, mUploadLength);
+    mUploadLength = 0;
+    return true;
+}
+
+bool ScriptedDevice::TakeCommand() {
+    static constexpr std::string_view kEnd = "</cmd>";
+    const qsizetype end = mIncoming.indexOf(kEnd.data());
+    if (end < 0) {
+        return false;
+    }
+    const qsizetype length = end + static_cast<qsizetype>(kEnd.size());
+    const std::string command = mIncoming.left(length).toStdString();
+    mIncoming.remove(0, length);
+    mCommands.push_back(command);
+    if (command.starts_with("<cmd upload>")) {
+        mUploadPath = PathIn(command);
+        mUploadLength = LengthIn(command);
+    }
+    Answer(command);
+    return true;
+}
+
+/// As a device does, with the folders on the way.
+void ScriptedDevice::Store(const std::string& zPath, const std::string& zContent) {
+    for (std::size_t slash = zPath.find('/'); slash != std::string::npos;
+         slash = zPath.find('/', slash + 1)) {
+        if (Find(zPath.substr(0, slash)) == nullptr) {
+            AddFolder(zPath.substr(0, slash));
+        }
+    }
+    Remove(zPath);
+    AddFile(zPath, zContent);
+}
+
+void ScriptedDevice::StopListening() {
+    mListening = false;
+    if (mpConnection != nullptr) {
+        mpConnection->setReadBufferSize(1);
+    }
+}
+
+void ScriptedDevice::ListenAgain() {
+    mListening = true;
+    if (HasConnection()) {
+        mpConnection->setReadBufferSize(0);
+        OnReadable();
     }
 }
 

@@ -13,8 +13,9 @@
 
 /// A device in the test's own process and event loop, at the port that the program always connects to.
 ///
-/// It answers from a small tree of files, so that a test only says what is special: another welcome, other
-/// answers, answers that wait, arrive in pieces or never. It serves the newest connection.
+/// It answers from a small tree of files, which takes in what is uploaded, so that a test only says what is
+/// special: another welcome, other answers, answers that wait, arrive in pieces or never. It serves the
+/// newest connection.
 class ScriptedDevice {
 public:
     /// Listens at a loopback address of this process; devices of one process differ by zNumber (0 to 2).
@@ -35,6 +36,9 @@ public:
                  const std::string& zRights = "cd-", std::optional<long> zAnnouncedSize = {});
     void Remove(const std::string& zPath);
 
+    /// What it holds under a path; nothing where there is no file, or where it is not whole yet.
+    std::optional<std::string> Content(const std::string& zPath) const;
+
     /// The rights that a listing of the folder announces for the folder itself.
     void SetFolderRights(const std::string& zPath, const std::string& zRights);
 
@@ -54,6 +58,11 @@ public:
     void Hold() { mHolding = true; }
 
     void Release();
+
+    /// From now on nothing is taken from the connection, so that a long upload cannot end, until it listens
+    /// again.
+    void StopListening();
+    void ListenAgain();
 
     /// Sends bytes that nobody asked for, behind what is still to be sent.
     void Send(const std::string& zBytes);
@@ -86,6 +95,7 @@ public:
     /// The texts of the commands and of the answers, for tests that make their own.
     static std::string DirCommand(const std::string& zPath);
     static std::string DownloadCommand(const std::string& zPath);
+    static std::string UploadCommand(const std::string& zPath, std::size_t zLength);
     std::string DirReply(const std::string& zPath) const;
     static std::string LengthPrefix(std::size_t zLength);
 
@@ -100,6 +110,9 @@ private:
 
     void OnConnection();
     void OnReadable();
+    bool TakeBody();
+    bool TakeCommand();
+    void Store(const std::string& zPath, const std::string& zContent);
     void OnWantsToSend();
     void Answer(const std::string& zCommand);
     std::string AnswerFromTree(const std::string& zCommand) const;
@@ -114,6 +127,9 @@ private:
     std::vector<sEntry> mEntries;
     std::string mRootRights = "cd-";
     QByteArray mIncoming;
+    std::string mUploadPath;     ///< of the body that is coming in
+    qsizetype mUploadLength = 0; ///< 0 without one
+    bool mListening = true;
     QByteArray mOutgoing;
     bool mHolding = false;
     int mConnectionCount = 0;

@@ -188,6 +188,20 @@ class Quillbox:
     def start_download(self, names, destination):
         self.choose_destination(self.ask_for_download(names), destination)
 
+    def ask_for_upload(self, title):
+        """Presses Upload; returns the file chooser with this title."""
+        self.button("Upload").press()
+        return self.window(title)
+
+    def choose_files(self, chooser, folder, names):
+        """Chooses files of one folder, in this order, by typing their names as the chooser takes several."""
+        fill_in(chooser.find("File name:", "text"), " ".join(f'"{folder / name}"' for name in names))
+        chooser.find("Open", "push button").press()
+        self.program.wait_until_closed(chooser.name)
+
+    def start_upload(self, folder, names, title):
+        self.choose_files(self.ask_for_upload(title), folder, names)
+
     def press_in(self, title, button):
         """Presses a button in the window with this title."""
         self.window(title).find(button, "push button").press()

@@ -9,6 +9,7 @@ import argparse
 import pathlib
 import shutil
 import sys
+import wave
 
 import namespace
 from desktop import REPOSITORY, Desktop, reason_not_to_run
@@ -19,6 +20,8 @@ from waiting import Gone
 ADDRESS = "127.0.0.1"
 DEVICE_NAME = "Sample device"
 FOLDER = "Field recordings"
+SOUNDS_ON_DEVICE = {"Harbour.wav": "Harbour.aiff", "Birdsong.wav": "Birdsong.wav"}
+SOUNDS = list(SOUNDS_ON_DEVICE.values())
 PROBLEMS = (RuntimeError, TimeoutError, Gone)
 
 
@@ -36,7 +39,8 @@ class Tour:
         self._quillbox = Quillbox(desktop)
 
     def walk(self):
-        for step in (self.start, self.choose, self.connect, self.browse, self.download, self.quit):
+        for step in (self.start, self.choose, self.connect, self.browse, self.download, self.upload,
+                     self.quit):
             step()
 
     def start(self):
@@ -71,6 +75,19 @@ class Tour:
               f"the files in {sorted(fetched)} equal the device's {sorted(served)}")
         self._done("download", f"'{FOLDER}' is downloaded; its {len(fetched)} files are equal byte for byte.")
 
+    def upload(self):
+        """Sends two of the downloaded sounds, of other formats than the device plays, to the top folder."""
+        chooser = self._quillbox.ask_for_upload(f"Upload files to '{DEVICE_NAME}:/'")
+        self._done("files", "Upload asks for the files that are to be sent.")
+        self._quillbox.choose_files(chooser, self._target / FOLDER, SOUNDS)
+        self._quillbox.wait_for_listing("/", {*names_in(self._served), *SOUNDS_ON_DEVICE})
+        for name, source in SOUNDS_ON_DEVICE.items():
+            check(format_of(self._served / name) == "16-bit WAV", f"'{name}' is a 16-bit WAV file")
+            print(f"   {source} -> {name}, a 16-bit WAV file")
+        self._done("upload", "Two sounds are uploaded and converted; the device's top folder now holds:")
+        for path in sorted(self._served.iterdir()):
+            print(f"   {path.stat().st_size if path.is_file() else 'folder':>10}  {path.name}")
+
     def quit(self):
         self._desktop.close_window(self._quillbox.main)
         check(self._quillbox.program.process.wait() == 0, "the program ends with status 0")
@@ -94,6 +111,12 @@ def contents(folder):
     """Contents by path, without the empty files, of which a device sends nothing."""
     files = {str(path.relative_to(folder)): path.read_bytes() for path in folder.rglob("*") if path.is_file()}
     return {name: content for name, content in files.items() if content}
+
+
+def format_of(path):
+    """A word for what a sound file holds."""
+    with wave.open(str(path)) as sound:
+        return f"{8 * sound.getsampwidth()}-bit WAV"
 
 
 def check(condition, statement):

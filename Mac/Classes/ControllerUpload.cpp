@@ -1,0 +1,253 @@
+#include "Controller.h"
+
+#include "Alert.h"
+#include "AudioConversion.h"
+#include "CommonUtils.h"
+#include "CommonUtils_OSX.h"
+#include "CopyFolderController.h"
+#include "RunLoop.h"
+#include "Settings.h"
+#include "WidgetText.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+
+#include <algorithm>
+
+namespace {
+
+using eCommand = cClientProtocol::eCommand;
+using tFileInfo = cClientProtocol::cDeviceFileInfo;
+
+constexpr std::size_t kLongestRoot = 1024;
+constexpr int kLongestComparedName = 24;
+
+/// How long a conversion goes on before people's clicks and the window have their turn.
+constexpr int kPumpMilliseconds = 20;
+
+std::string NameForDevice(const std::string& zName) {
+    std::string name;
+    ConvertNameForDevice(zName, name);
+    return name;
+}
+
+/// How many bytes of a path stand before the item itself.
+std::size_t RootLength(const std::string& zPath) {
+    std::string parent = zPath;
+    if (IsFolder(zPath)) {
+        RemoveLastComponent(parent);
+    } else {
+        parent = GetParentPath(zPath);
+    }
+    return parent == "/" || parent == "\\" ? 1 : parent.size() + 1;
+}
+
+std::size_t CommonRootLength(const std::vector<std::string>& zPaths) {
+    std::size_t length = kLongestRoot;
+    for (const std::string& path : zPaths) {
+        length = std::min(length, RootLength(path));
+    }
+    return length;
+}
+
+/// A separator at the end of a path would make the item itself part of the root.
+std::vector<std::string> WithoutLastSeparators(std::vector<std::string> zPaths) {
+    for (std::string& path : zPaths) {
+        path.resize(path.find_last_not_of('/') + 1);
+    }
+    std::erase(zPaths, "");
+    return zPaths;
+}
+
+std::string PathBelow(const std::string& zPath, std::size_t zRootLength) {
+    return zPath.substr(std::min(zRootLength, zPath.size()));
+}
+
+bool IsAllowedSound(const std::string& zPath) {
+    return HasExtension(zPath, "wav") || HasExtension(zPath, "aif");
+}
+
+} // namespace
+
+struct Controller::sUpload {
+    std::string devicePath;
+    std::size_t rootLength;
+    std::vector<std::string> sendList = {};
+    std::uint64_t total = 0; ///< bytes of the source files
+    bool folderYesToAll = false;
+    bool fileYesToAll = false;
+    std::uint64_t bytesDone = 0; ///< of the files as they are sent
+    ModalSession* session = nullptr;
+    std::string errorText = {};
+};
+
+// --- The button ---
+
+void Controller::OnUploadButton() {
+    if (!IsConnected()) {
+        return;
+    }
+    const std::string folder = mCurrentDirList.mDir;
+    const std::vector<std::string> paths = ChooseUploads(folder);
+    if (paths.empty() || mTerminating) {
+        return;
+    }
+    GetSettings().RecentUploadPath = GetParentPath(paths.front());
+    const std::string error = UploadFiles(paths, folder);
+    if (!error.empty()) {
+        ShowMessage("Upload failed", error);
+    }
+    SetCurrentDirectory(folder);
+}
+
+std::vector<std::string> Controller::ChooseUploads(const std::string& zFolder) {
+    sOpenPanelRequest request;
+    request.title =
+        FormatString(Translated("Upload files to '%s:/%s'").c_str(), mDeviceName.c_str(), zFolder.c_str());
+    request.allowsMultiple = true;
+    if (!mSuperUser) {
+        request.allowedTypes = {"wav", "aif"};
+    }
+    const std::string& recent = GetSettings().RecentUploadPath;
+    request.initialFolder = recent.empty() ? FromWidgetText(QDir::homePath()) : recent;
+    return mrPanel.Run(&mrWindow, request);
+}
+
+// --- The whole upload ---
+
+std::string Controller::UploadFiles(const std::vector<std::string>& zPaths, const std::string& zDevicePath) {
+    if (!IsConnected()) {
+        return Translated("Connection has been closed");
+    }
+    if (IsClientBusy()) {
+        return Translated("Waiting for operation to finish"); // a cancelled one, whose reply is still due
+    }
+    const std::vector<std::string> paths = WithoutLastSeparators(zPaths);
+    sUpload upload{zDevicePath, CommonRootLength(paths)};
+    if (!DecideUploads(paths, upload)) {
+        return {};
+    }
+    if (!IsConnected()) {
+        return mTerminating ? "" : Translated("Connection has been closed");
+    }
+    if (upload.total == 0) {
+        return {};
+    }
+    const auto session = InitProgressDialogue(Translated("Uploading files"));
+    upload.session = session.get();
+    SendFiles(upload);
+    CloseProgress(*session);
+    return upload.errorText;
+}
+
+/// Asks about everything that is there already, before the first byte goes. False when people cancel.
+bool Controller::DecideUploads(const std::vector<std::string>& zPaths, sUpload& zrUpload) {
+    for (const std::string& path : zPaths) {
+        const int answer = AskForUpload(path, zrUpload);
+        if (answer == CopyCancel) {
+            return false;
+        }
+        if (answer == CopyNo) {
+            continue;
+        }
+        if (IsFolder(path)) {
+            std::string folder = path;
+            GetLocalFileList(folder, zrUpload.sendList, zrUpload.total);
+        } else {
+            zrUpload.sendList.push_back(path);
+            zrUpload.total += GetFileSize(path);
+        }
+    }
+    return true;
+}
+
+int Controller::AskForUpload(const std::string& zPath, sUpload& zrUpload) {
+    std::string name = NameForDevice(PathBelow(zPath, zrUpload.rootLength));
+    TruncateText(name, kLongestComparedName);
+    const auto entry = std::ranges::find_if(
+        mCurrentDirList.mFile, [&](const tFileInfo& info) { return SameTextNoCase(info.mName, name); });
+    if (entry == mCurrentDirList.mFile.end()) {
+        return CopyYes;
+    }
+    const bool isFolder = IsFolder(zPath);
+    if (entry->mIsFolder != isFolder) {
+        return CopyNo;
+    }
+    bool& yesToAll = isFolder ? zrUpload.folderYesToAll : zrUpload.fileYesToAll;
+    const int answer = yesToAll ? CopyYesToAll : AskToOverwrite(isFolder, name);
+    yesToAll = answer == CopyYesToAll;
+    return answer;
+}
+
+void Controller::SendFiles(sUpload& zrUpload) {
+    for (const std::string& path : zrUpload.sendList) {
+        if (IsFolder(path) || (!mSuperUser && !IsAllowedSound(path))) {
+            continue;
+        }
+        if (!MayGoOn(zrUpload.errorText) || !UploadFile(path, zrUpload)) {
+            return;
+        }
+    }
+}
+
+// --- One file of it ---
+
+bool Controller::UploadFile(const std::string& zPath, sUpload& zrUpload) {
+    cAudioConversion record(zPath);
+    ShowConversions(record, zrUpload);
+    if (!record.ConvertForUpload()) {
+        ShowMessage("File convert failed", record.message);
+        return true;
+    }
+    if (!MayGoOn(zrUpload.errorText)) { // while it was converted
+        return false;
+    }
+    std::string name = NameForDevice(GetParentPath(PathBelow(zPath, zrUpload.rootLength)));
+    AddTrailingSeparator(name);
+    name += record.deviceName;
+    if (!mpSocket->CommandFits(eCommand::kUpload, zrUpload.devicePath, name)) {
+        zrUpload.errorText = record.deviceName + " - " + Translated("Path too long");
+        return false;
+    }
+    mpSocket->Upload(record.outputPath, zrUpload.devicePath, name);
+    return WaitForUpload(name, record.outputSize, zrUpload);
+}
+
+/// Keeps the window alive while a file is converted, and lets people cancel that.
+void Controller::ShowConversions(cAudioConversion& zrRecord, const sUpload& zUpload) {
+    QElapsedTimer sincePump;
+    sincePump.start();
+    zrRecord.progress = [this, &zrRecord, &zUpload, sincePump](double) mutable {
+        if (sincePump.hasExpired(kPumpMilliseconds)) {
+            ShowUpload(GetFileName(zrRecord.sourcePath), static_cast<float>(zUpload.bytesDone), zUpload);
+            zUpload.session->RunOnce();
+            RunLoop::RunSlice({}, [] { return false; });
+            sincePump.restart();
+        }
+        return !progressDlg->GetCancelled() && IsConnected();
+    };
+}
+
+/// What has its turn, and how many bytes of all are done.
+void Controller::ShowUpload(const std::string& zName, float zDone, const sUpload& zUpload) {
+    progressDlg->SetProgress(ExpandTemplate(zName), zDone / static_cast<float>(zUpload.total));
+    progressDlg->SetDetails(AmountText(static_cast<std::int64_t>(zDone), zUpload.total));
+}
+
+bool Controller::WaitForUpload(const std::string& zName, std::uint32_t zSize, sUpload& zrUpload) {
+    eReply reply = StillWaiting;
+    while (reply == StillWaiting) {
+        const float done =
+            static_cast<float>(zSize) * mpSocket->GetProgress() + static_cast<float>(zrUpload.bytesDone);
+        ShowUpload(zName, done, zrUpload);
+        reply = CheckForReply(zrUpload.session);
+    }
+    zrUpload.bytesDone += zSize;
+    if (reply == FailedOrDisconnected) {
+        zrUpload.errorText = LostTransferText();
+    } else if (reply == Cancelled) {
+        DisconnectDevice();
+        ConnectDevice(mCurrentDirList.mDir);
+    }
+    return reply == Done;
+}
