@@ -12,15 +12,22 @@ constexpr std::uint16_t kDiscoveryPort = 10245;
 
 class DiscoveryWindowTest : public WindowFixture {
 protected:
-    /// Announces a device at the address of the scripted one until the dialog, refreshed, shows it.
-    bool FindInDialog(QWidget& dialog) {
-        auto& list = Control<QListWidget>(dialog, "Devices");
+    /// Announces a device at the address of the scripted one until the dialog has news of it.
+    bool HearsOfDevice(QWidget& dialog) {
+        auto& refresh = Control<QPushButton>(dialog, "Refresh");
         DatagramPeer announcer(mDevice.Address());
         return WaitFor([&] {
             announcer.Send("Phone:FileServer:10240;", kDiscoveryPort);
-            Click<QPushButton>(dialog, "Refresh");
-            return list.count() == 1 && list.item(0)->text() == QStringLiteral("Phone");
+            return refresh.accessibleDescription() == QStringLiteral("New devices were found");
         });
+    }
+
+    /// Waits for the device and lists it.
+    bool FindInDialog(QWidget& dialog) {
+        const bool heard = HearsOfDevice(dialog);
+        Click<QPushButton>(dialog, "Refresh");
+        auto& list = Control<QListWidget>(dialog, "Devices");
+        return heard && list.count() == 1 && list.item(0)->text() == QStringLiteral("Phone");
     }
 
     /// Presses Connect, waits for the device in the list and cancels the dialog.
@@ -63,6 +70,7 @@ TEST_F(LateNetworkTest, RefreshStartsWhatCouldNotBeStartedBefore) {
     meanwhile.WhenShown("Select Device", [&](QWidget& dialog) {
         EXPECT_EQ(std::system("ip route add 224.0.0.0/4 dev lo"), 0);
         Control<QRadioButton>(dialog, "Use found device").click();
+        Click<QPushButton>(dialog, "Refresh");
         found = FindInDialog(dialog);
         Click<QPushButton>(dialog, "Cancel");
     });
@@ -75,12 +83,7 @@ TEST_F(LateNetworkTest, OpeningTheDialogStartsItToo) {
     bool heard = false;
     Meanwhile meanwhile;
     meanwhile.WhenShown("Select Device", [&](QWidget& dialog) {
-        auto& refresh = Control<QPushButton>(dialog, "Refresh");
-        DatagramPeer announcer(mDevice.Address());
-        heard = WaitFor([&] {
-            announcer.Send("Phone:FileServer:10240;", kDiscoveryPort);
-            return refresh.accessibleDescription() == QStringLiteral("New devices were found");
-        });
+        heard = HearsOfDevice(dialog);
         Click<QPushButton>(dialog, "Cancel");
     });
     Press("Connect");
