@@ -145,7 +145,8 @@ void SelectController::ConnectMode(QRadioButton& zrButton, const std::function<v
         if (zOn && ModalSession::Accepts(*this)) {
             zAction();
             // An arrow key takes the keyboard to the button after it has switched it on.
-            QTimer::singleShot(0, this, [this] { FocusChosenWay(); });
+            QMetaObject::invokeMethod(
+                this, [this] { FocusChosenWay(); }, Qt::QueuedConnection);
         }
     });
 }
