@@ -144,11 +144,15 @@ void SelectController::ConnectMode(QRadioButton& zrButton, const std::function<v
     connect(&zrButton, &QRadioButton::toggled, this, [this, zAction](bool zOn) {
         if (zOn && ModalSession::Accepts(*this)) {
             zAction();
-            // An arrow key takes the keyboard to the button after it has switched it on.
-            QMetaObject::invokeMethod(
-                this, [this] { FocusChosenWay(); }, Qt::QueuedConnection);
         }
     });
+    // An arrow key takes the keyboard to the button after it has switched it on.
+    const auto focusWhenOn = [this](bool zOn) {
+        if (zOn) {
+            FocusChosenWay();
+        }
+    };
+    connect(&zrButton, &QRadioButton::toggled, this, focusWhenOn, Qt::QueuedConnection);
 }
 
 void SelectController::Init(DeviceListSource* zpDiscover) {
