@@ -241,7 +241,7 @@ private:
     bool UploadFile(const std::string& zPath, sUpload& zrUpload);
     void ShowConversions(cAudioConversion& zrRecord, const sUpload& zUpload);
     void ShowUpload(const std::string& zName, float zDone, const sUpload& zUpload);
-    bool WaitForUpload(const std::string& zName, std::uint32_t zSize, sUpload& zrUpload);
+    bool WaitForUpload(const std::string& zName, cAudioConversion& zrRecord, sUpload& zrUpload);
 
     MainWindow& mrWindow;
     OpenPanel& mrPanel;

@@ -137,6 +137,7 @@ std::string Controller::UploadFiles(const std::vector<std::string>& zPaths, cons
     upload.session = session.get();
     SendFiles(upload);
     CloseProgress(*session);
+    UpdateControls();
     return upload.errorText;
 }
 
@@ -210,7 +211,7 @@ bool Controller::UploadFile(const std::string& zPath, sUpload& zrUpload) {
         return false;
     }
     mpSocket->Upload(record.outputPath, zrUpload.devicePath, name);
-    return WaitForUpload(name, record.outputSize, zrUpload);
+    return WaitForUpload(name, record, zrUpload);
 }
 
 /// Keeps the window alive while a file is converted, and lets people cancel that.
@@ -234,15 +235,16 @@ void Controller::ShowUpload(const std::string& zName, float zDone, const sUpload
     progressDlg->SetDetails(AmountText(static_cast<std::int64_t>(zDone), zUpload.total));
 }
 
-bool Controller::WaitForUpload(const std::string& zName, std::uint32_t zSize, sUpload& zrUpload) {
+bool Controller::WaitForUpload(const std::string& zName, cAudioConversion& zrRecord, sUpload& zrUpload) {
     eReply reply = StillWaiting;
     while (reply == StillWaiting) {
-        const float done =
-            static_cast<float>(zSize) * mpSocket->GetProgress() + static_cast<float>(zrUpload.bytesDone);
+        const float done = static_cast<float>(zrRecord.outputSize) * mpSocket->GetProgress() +
+                           static_cast<float>(zrUpload.bytesDone);
         ShowUpload(zName, done, zrUpload);
         reply = CheckForReply(zrUpload.session);
     }
-    zrUpload.bytesDone += zSize;
+    zrUpload.bytesDone += zrRecord.outputSize;
+    zrRecord.DeleteTempFile(); // before a connection is made anew, which may take long
     if (reply == FailedOrDisconnected) {
         zrUpload.errorText = LostTransferText();
     } else if (reply == Cancelled) {

@@ -187,9 +187,13 @@ TEST_F(UploadSound, AConnectionThatIsLostMeanwhileEndsTheUpload) {
 
 TEST_F(UploadSound, ItsTemporaryFileIsGoneAfterCancelInTheTransferToo) {
     mFolder.Write("big.wav", WaveBytes({1, 2, 44100, 24}, std::string(60'000'000, '\0')));
-    mDevice.mOnCommand = [this](const std::string& zCommand) -> std::optional<std::string> {
+    std::optional<std::size_t> filesAtReconnection;
+    mDevice.mOnCommand = [this,
+                          &filesAtReconnection](const std::string& zCommand) -> std::optional<std::string> {
         if (zCommand.starts_with("<cmd upload>")) {
             mDevice.StopListening();
+        } else if (mDevice.CountOf("upload") > 0) {
+            filesAtReconnection = TemporaryFiles().size();
         }
         return std::nullopt;
     };
@@ -203,6 +207,7 @@ TEST_F(UploadSound, ItsTemporaryFileIsGoneAfterCancelInTheTransferToo) {
         });
     Upload({"big.wav"});
     EXPECT_THAT(mAlerts, IsEmpty());
+    EXPECT_EQ(filesAtReconnection, 0U);
     EXPECT_EQ(Received("big.wav"), "(none)");
 }
 
