@@ -12,7 +12,6 @@
 #include <array>
 #include <cmath>
 #include <utility>
-#include <vector>
 
 namespace {
 
