@@ -33,6 +33,8 @@ struct AnnouncementPlan {
 /// names are looked up anew each time, since networks come and go. While the group or the host cannot be
 /// reached it goes on trying; only the first failure of each such time is logged.
 class Announcer : public QObject {
+    Q_OBJECT
+
 public:
     Announcer(const std::string& announcement, const AnnouncementPlan& plan, LogSink log);
 
@@ -47,7 +49,7 @@ private:
     void AnnounceToGroup();
     bool SendByInterface(const QNetworkInterface& interface);
     void AnnounceToHost();
-    void OnHostFound(const QHostInfo& info);
+    Q_SLOT void OnHostFound(const QHostInfo& info);
     void SendToHost(const QHostAddress& address);
     bool Send(const QHostAddress& address);
     void Note(Way& way, const std::string& failure);
