@@ -30,10 +30,9 @@ class BrowseTest(case.Case):
         quillbox.wait_for_listing("/Music", ["Live", "intro.wav"])
         quillbox.open_folder("Live")
         quillbox.wait_for_listing("/Music/Live", ["solo.wav"])
-        wait_for(lambda: quillbox.button("Back").enabled, "Back enabled")
-        quillbox.desktop.click(quillbox.button("Back"))
+        quillbox.click_button("Back")
         quillbox.wait_for_listing("/Music", ["Live", "intro.wav"])
-        quillbox.desktop.click(quillbox.button("Back"))
+        quillbox.click_button("Back")
         quillbox.wait_for_listing("/", TOP)
         wait_for(lambda: not quillbox.button("Back").enabled, "Back disabled")
 
@@ -72,10 +71,9 @@ class BrowseTest(case.Case):
     def test_buttons_follow_the_selection(self):
         quillbox, _ = self.connect(FILES)
         connected = {"Disconnect", "Create Folder", "Upload"}
-        self.assertEqual(quillbox.enabled_buttons(), connected)
+        quillbox.wait_for_enabled_buttons(connected)
         quillbox.select("b.wav", "c.mp3")
-        wait_for(lambda: quillbox.enabled_buttons() == connected | {"Delete", "Download"},
-                 lambda: f"Delete and Download as well, not {quillbox.enabled_buttons()}")
+        quillbox.wait_for_enabled_buttons(connected | {"Delete", "Download"})
 
     def test_new_files_are_seen_after_refresh(self):
         device, root = self.serve({"old.txt": b"old"})

@@ -13,7 +13,7 @@ FILES = {"song.wav": b"song", "notes.txt": b"notes", "Music/live.wav": b"live"}
 class ConnectTest(case.Case):
     def test_starts_disconnected(self):
         quillbox = self.start()
-        self.assertEqual(quillbox.enabled_buttons(), {"Connect"})
+        quillbox.wait_for_enabled_buttons({"Connect"})
         self.assertEqual(quillbox.directory, "/")
         self.assertEqual(quillbox.names(), [])
         self.assertEqual(quillbox.status, PROMPT)
@@ -21,7 +21,7 @@ class ConnectTest(case.Case):
     def test_typed_address(self):
         quillbox, _ = self.connect(FILES, name="Blue box")
         self.assertEqual(quillbox.status, "Connected to 'Blue box'")
-        self.assertEqual(quillbox.enabled_buttons(), {"Disconnect", "Create Folder", "Upload"})
+        quillbox.wait_for_enabled_buttons({"Disconnect", "Create Folder", "Upload"})
 
     def test_device_without_a_name_is_called_by_its_address(self):
         with ScriptedDevice({"a.txt": b"a"}, name="", address="127.0.0.2"):
@@ -34,7 +34,7 @@ class ConnectTest(case.Case):
         quillbox.disconnect()
         quillbox.wait_for_status(PROMPT)
         self.assertEqual(quillbox.names(), [])
-        self.assertEqual(quillbox.enabled_buttons(), {"Connect"})
+        quillbox.wait_for_enabled_buttons({"Connect"})
         self.serve({"other.txt": b"other"}, name="Other", address="127.0.0.2")
         quillbox.connect("Other", address="127.0.0.2")
         quillbox.wait_for_listing("/", ["other.txt"])
@@ -44,7 +44,7 @@ class ConnectTest(case.Case):
             quillbox = self.start()
             quillbox.open_selection().find("Cancel", "push button").press()
             quillbox.wait_for_main_window_only()
-            self.assertEqual(quillbox.enabled_buttons(), {"Connect"})
+            quillbox.wait_for_enabled_buttons({"Connect"})
             self.assertEqual(device.connection_count(), 0)
 
     def test_the_last_address_is_offered_again(self):
@@ -63,7 +63,7 @@ class RefusedConnectionTest(case.Case):
         self.assertRegex(quillbox.status, SOCKET_ERROR)
         self.assertIn("Connection refused", quillbox.status)
         quillbox.wait_for_main_window_only()
-        self.assertEqual(quillbox.enabled_buttons(), {"Connect"})
+        quillbox.wait_for_enabled_buttons({"Connect"})
 
     def test_connects_after_a_refusal(self):
         quillbox = self.start()

@@ -132,7 +132,11 @@ class Node:
         return self.call(COMPONENT, "GetExtents", GLib.Variant("(u)", (0,)))[0]
 
     def press(self):
-        """Does the control's main action as an assistive tool would; returns before its effect is seen."""
+        """Does the control's main action as an assistive tool would; returns before its effect is seen.
+
+        A disabled control has no action, so this waits until it is enabled.
+        """
+        wait_for(lambda: self.enabled, lambda: f"{self!r} enabled")
         self.call(ACTION, "DoAction", GLib.Variant("(i)", (0,)))
 
     def set_words(self, text):

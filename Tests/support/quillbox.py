@@ -40,6 +40,15 @@ class Quillbox:
         names = ("Connect", "Disconnect", "Back", "Create Folder", "Delete", "Upload", "Download")
         return {name for name in names if (node := self.main.look_for(name, "push button")) and node.enabled}
 
+    def wait_for_enabled_buttons(self, names):
+        """Waits until these buttons are enabled and no others: the folder's rights come with its listing."""
+        wait_for(lambda: self.enabled_buttons() == names,
+                 lambda: f"{names} enabled, not {self.enabled_buttons()}")
+
+    def click_button(self, name):
+        wait_for(lambda: self.button(name).enabled, f"{name} enabled")
+        self.desktop.click(self.button(name))
+
     def names(self):
         """The names in the table, top to bottom."""
         return self.table.column(0)

@@ -62,7 +62,7 @@ class Tour:
         self._quillbox.open_folder(FOLDER)
         self._quillbox.wait_for_listing(f"/{FOLDER}", names_in(self._served / FOLDER))
         self._done("browse", f"A double click opens the folder '{FOLDER}'.")
-        self._desktop.click(self._quillbox.button("Back"))
+        self._quillbox.click_button("Back")
         self._quillbox.wait_for_listing("/", names_in(self._served))
 
     def download(self):
