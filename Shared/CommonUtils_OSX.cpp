@@ -342,8 +342,11 @@ const std::string& GetDocumentsFolder() {
     return path;
 }
 
-const std::string& GetTempFolder() {
-    static const std::string path = MakeTempFolder();
+std::string GetTempFolder() {
+    static std::string path = MakeTempFolder();
+    if (!MakePrivateFolder(path)) {
+        path = MakeTempFolder();
+    }
     return path;
 }
 

@@ -90,9 +90,10 @@ std::string MakeValidUtf8(const std::string& zText);
 /// the folders above it. A folder that cannot be made is still named here; nothing will open in it.
 const std::string& GetDocumentsFolder();
 
-/// The system's temporary folder with its subfolder "Quillbox", made on first use and open to this user
-/// only. Where that name is a link or another user's folder, it is a fresh one beside it: "Quillbox-XXXXXX".
-const std::string& GetTempFolder();
+/// The system's temporary folder with its subfolder "Quillbox", open to this user only. It is made on first
+/// use, and again where somebody has cleaned it away since. Where that name is a link or another user's
+/// folder, it is a fresh one beside it: "Quillbox-XXXXXX".
+std::string GetTempFolder();
 
 /// The plain ASCII form of a name, as files and folders are called on the device. May be longer than
 /// the name; the caller cuts it.

@@ -239,7 +239,7 @@ private:
     int AskForUpload(const std::string& zPath, sUpload& zrUpload);
     void SendFiles(sUpload& zrUpload);
     bool UploadFile(const std::string& zPath, sUpload& zrUpload);
-    void ShowConversions(cAudioConversion& zrRecord, const sUpload& zUpload);
+    void ShowConversions(cAudioConversion& zrRecord, sUpload& zrUpload);
     void ShowUpload(const std::string& zName, float zDone, const sUpload& zUpload);
     bool WaitForUpload(const std::string& zName, cAudioConversion& zrRecord, sUpload& zrUpload);
 

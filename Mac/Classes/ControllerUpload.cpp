@@ -215,17 +215,17 @@ bool Controller::UploadFile(const std::string& zPath, sUpload& zrUpload) {
 }
 
 /// Keeps the window alive while a file is converted, and lets people cancel that.
-void Controller::ShowConversions(cAudioConversion& zrRecord, const sUpload& zUpload) {
+void Controller::ShowConversions(cAudioConversion& zrRecord, sUpload& zrUpload) {
     QElapsedTimer sincePump;
     sincePump.start();
-    zrRecord.progress = [this, &zrRecord, &zUpload, sincePump](double) mutable {
+    zrRecord.progress = [this, &zrRecord, &zrUpload, sincePump](double) mutable {
         if (sincePump.hasExpired(kPumpMilliseconds)) {
-            ShowUpload(GetFileName(zrRecord.sourcePath), static_cast<float>(zUpload.bytesDone), zUpload);
-            zUpload.session->RunOnce();
+            ShowUpload(GetFileName(zrRecord.sourcePath), static_cast<float>(zrUpload.bytesDone), zrUpload);
+            zrUpload.session->RunOnce();
             RunLoop::RunSlice({}, [] { return false; });
             sincePump.restart();
         }
-        return !progressDlg->GetCancelled() && IsConnected();
+        return MayGoOn(zrUpload.errorText);
     };
 }
 

@@ -1,5 +1,6 @@
 #include "AudioConversion.h"
 
+#include "ClientProtocol.h"
 #include "CommonUtils.h"
 #include "CommonUtils_OSX.h"
 #include "ReadAIFF.h"
@@ -39,6 +40,11 @@ long Measure(std::FILE* zpFile) {
 
 std::int16_t ToSample16(double zValue) {
     return static_cast<std::int16_t>(static_cast<std::uint64_t>(TruncatedSample(zValue * 32767.0)));
+}
+
+/// The rest of a file that nobody can send is not worth the time and the disk.
+bool IsTooLargeToSend(std::size_t zSamples) {
+    return zSamples * sizeof(std::int16_t) > static_cast<std::size_t>(kMaxUploadSize);
 }
 
 /// A file that is cut off may end within a frame.
@@ -118,6 +124,7 @@ bool cAudioConversion::IsConvertibleAudio(const std::string& zExtension) {
 
 bool cAudioConversion::ConvertForUpload(const std::string* zpOutputFolder) {
     DeleteTempFile(); // of a call before, lest the source takes its place in the record
+    cancelled = false;
     const std::string extension = GetExtension(sourcePath);
     if (!Convert(ToLower(extension), zpOutputFolder)) {
         outputPath = sourcePath;
@@ -192,6 +199,9 @@ bool cAudioConversion::Encode(std::FILE* zpSource, cSndfileStream& zrDecoder, cS
     if (cancelled) {
         return false;
     }
+    if (std::ferror(zpSource) != 0) { // which looks like the end of the file to a decoder
+        return Refuse("Couldn't read file '" + sourcePath + "'");
+    }
     return (zrOutput.Close() && written) || Refuse(zrOutput.GetPath() + " - Couldn't write wav file");
 }
 
@@ -201,12 +211,14 @@ bool cAudioConversion::CopySamples(std::FILE* zpSource, cSndfileStream& zrDecode
     const auto size = static_cast<double>(GetFileSize(sourcePath));
     std::array<double, kBlock> decoded{};
     std::array<std::int16_t, kBlock> samples{};
-    for (std::size_t block = 0;; ++block) {
+    std::size_t done = 0;
+    for (std::size_t block = 0; !IsTooLargeToSend(done); ++block) {
         const std::size_t count =
             WholeFrames(zrDecoder.ReadSamples(decoded.data(), decoded.size()), channels);
         if (count == 0) {
             return true;
         }
+        done += count;
         std::transform(decoded.begin(), decoded.begin() + static_cast<std::ptrdiff_t>(count), samples.begin(),
                        ToSample16);
         if (!zrEncoder.WriteSamples(samples.data(), count)) {
@@ -216,6 +228,7 @@ bool cAudioConversion::CopySamples(std::FILE* zpSource, cSndfileStream& zrDecode
             return false;
         }
     }
+    return true;
 }
 
 // --- With the program's own readers ---

@@ -28,7 +28,8 @@ public:
 
     /// Decides what is sent and under which name: fills outputPath, deviceName and outputSize. Always true:
     /// where the conversion fails, the source itself is sent and `message` says why. Without a folder the
-    /// temporary one is used; a file in a folder of the caller's is the caller's to delete.
+    /// temporary one is used; a file in a folder of the caller's is the caller's to delete. A conversion ends
+    /// early when its file is larger than any that can be uploaded, which outputSize then tells.
     /// Own readers: errors in an AIFF file are thrown as constant texts, as by cReadAIFF.
     bool ConvertForUpload(const std::string* zpOutputFolder = nullptr);
 

@@ -1,5 +1,6 @@
 #include "SoundOutput.h"
 
+#include "CommonUtils.h"
 #include "CommonUtils_OSX.h"
 
 #include <cerrno>
@@ -8,6 +9,16 @@ namespace {
 
 /// Nobody has so many files of one title; whoever puts them there keeps the conversion from its work only.
 constexpr int kMostNames = 1000;
+
+constexpr std::size_t kLongestFileName = 255; // of the file systems in use
+
+/// A name beside one that is taken; of a long one its end makes room for the number.
+std::string FreshPath(const std::string& zPath, int zNumber) {
+    const std::string end = '-' + std::to_string(zNumber) + ".wav";
+    const std::string title = GetFileTitle(zPath);
+    const std::string folder = zPath.substr(0, zPath.size() - GetFileName(zPath).size());
+    return folder + title.substr(0, kLongestFileName - end.size()) + end;
+}
 
 /// Opens a file that nobody has had before; links count as files here.
 tStdioStream CreateFile(const std::string& zPath) {
@@ -18,7 +29,7 @@ tStdioStream CreateFile(const std::string& zPath) {
 
 cSoundOutput::cSoundOutput(const std::string& zPath) : mPath(zPath), mpFile(CreateFile(zPath)) {
     for (int number = 2; !mpFile && errno == EEXIST && number < kMostNames; ++number) {
-        mPath = RemoveExtension(zPath) + '-' + std::to_string(number) + ".wav";
+        mPath = FreshPath(zPath, number);
         mpFile = CreateFile(mPath);
     }
     mIsCreated = mpFile != nullptr;

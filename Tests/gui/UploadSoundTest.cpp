@@ -185,6 +185,18 @@ TEST_F(UploadSound, AConnectionThatIsLostMeanwhileEndsTheUpload) {
     ExpectUploads();
 }
 
+TEST_F(UploadSound, ADeviceThatFloodsTheProgramMeanwhileEndsTheUpload) {
+    WriteLongSound("long.wav");
+    Connect();
+    Meanwhile meanwhile;
+    WhileConverted(meanwhile, [this] { mDevice.Send(std::string(600000, 'x')); });
+    Upload({"long.wav"});
+    ExpectConversionStopped();
+    EXPECT_THAT(mAlerts, ElementsAre(sAlert{kUploadFailed, "Receive buffer overflow"}));
+    EXPECT_THAT(Sent(), IsEmpty());
+    ExpectUploads();
+}
+
 TEST_F(UploadSound, ItsTemporaryFileIsGoneAfterCancelInTheTransferToo) {
     mFolder.Write("big.wav", WaveBytes({1, 2, 44100, 24}, std::string(60'000'000, '\0')));
     std::optional<std::size_t> filesAtReconnection;

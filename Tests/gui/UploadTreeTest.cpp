@@ -78,6 +78,14 @@ TEST_F(UploadTree, ItemsOfDifferentFoldersKeepWhatTheShorterPathLeaves) {
     EXPECT_THAT(Sent(), ElementsAre("b.txt")) << "alone it goes without its folders";
 }
 
+TEST_F(UploadTree, AnItemAtTheTopOfTheFileSystemLeavesTheOthersTheirWholePath) {
+    const std::string path = mFolder.Write("a.txt", "a");
+    Connect();
+    EXPECT_EQ(mController.UploadFiles({"/nothing of this name", path}, ""), "");
+    Key(Qt::Key_F5); // when that is listed, the device has everything
+    EXPECT_THAT(Sent(), ElementsAre(path.substr(1)));
+}
+
 TEST_F(UploadTree, TheQuestionIsAboutThePathThatIsLeft) {
     mFolder.Write("a.txt", "a");
     mFolder.Write("x/b.txt", "b");
@@ -121,6 +129,14 @@ TEST_F(UploadTree, NamesAreMadePlainAndShort) {
     EXPECT_THAT(mAlerts, IsEmpty());
 }
 
+TEST_F(UploadTree, AFileWithoutAnExtensionReplacesItsOldSelfWithoutAQuestion) {
+    mDevice.AddFile("README.", "old");
+    mFolder.Write("README", "new");
+    Connect();
+    Upload({"README"});
+    EXPECT_EQ(Received("README."), "new") << "only its name on the device ends in a dot";
+}
+
 TEST_F(UploadTree, ATooLongPathEndsTheUpload) {
     const std::string folder(240, 'n');
     mFolder.Write("a.txt", "first");
@@ -146,6 +162,19 @@ TEST_F(UploadTree, WhatCannotBeStartedIsPassedOver) {
     EXPECT_EQ(Drop({"f"}), "");
     EXPECT_EQ(Received("f/full.txt"), "full");
     EXPECT_THAT(Sent(), ElementsAre("f/full.txt"));
+    EXPECT_THAT(mAlerts, IsEmpty());
+}
+
+TEST_F(UploadTree, APathTooLongToBeOpenedIsPassedOver) {
+    std::string folder;
+    while ((mFolder / folder).size() < 1023) {
+        folder += std::string(50, 'n') + '/';
+    }
+    const std::string path = mFolder.Write(folder + "a.txt", "a");
+    Connect();
+    EXPECT_EQ(mController.UploadFiles({path}, ""), "");
+    Key(Qt::Key_F5);
+    EXPECT_THAT(Sent(), IsEmpty());
     EXPECT_THAT(mAlerts, IsEmpty());
 }
 

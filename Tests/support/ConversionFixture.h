@@ -35,6 +35,11 @@ inline std::string ConvertedFile(std::uint32_t sampleRate, unsigned channels,
     return WaveBytes({1, channels, sampleRate, 16}, BytesOf(samples));
 }
 
+/// Long enough to be reported on several times.
+inline std::string LongSound() {
+    return WaveBytes({1, 2, 44100, 16}, std::string(1'000'000, '\x11'));
+}
+
 /// Names in a folder, sorted.
 inline std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
     std::vector<std::string> names;
