@@ -175,17 +175,21 @@ std::vector<sFolderEntry> ListFolder(const std::string& zPath) {
 
 } // namespace
 
-void GetLocalFileList(std::string& zrPath, std::vector<std::string>& zrFiles, std::uint64_t& zrTotal) {
+void GetLocalFileList(std::string& zrPath, std::vector<std::string>& zrFiles, std::uint64_t& zrTotal,
+                      const std::function<bool()>& zMayGoOn) {
     // The recursion ends at the latest where the system refuses a path as too long (4096 bytes).
     const std::size_t length = zrPath.size();
     for (const sFolderEntry& entry : ListFolder(zrPath)) {
+        if (zMayGoOn && !zMayGoOn()) {
+            return;
+        }
         // Not AddTrailingSeparator: a backslash at the end belongs to the name of a local folder.
         if (zrPath.back() != '/') {
             zrPath += '/';
         }
         zrPath += entry.name;
         if (entry.isFolder) {
-            GetLocalFileList(zrPath, zrFiles, zrTotal);
+            GetLocalFileList(zrPath, zrFiles, zrTotal, zMayGoOn);
         } else {
             zrFiles.push_back(zrPath);
             zrTotal += GetFileSize(zrPath);

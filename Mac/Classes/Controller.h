@@ -34,7 +34,8 @@ struct sTableEntry {
 /// Everything runs on the main thread. An operation waits by pumping the event loop, so any callback,
 /// quitting included, may run inside any of the waiting calls below; after each of them the connection is
 /// looked at again. Its bodies are split by the work they do: Session (connection, waiting), Browser (table,
-/// folders, enabled states), Lifecycle (launch, end), Transfers (what both ways share), Download, Upload.
+/// folders, enabled states), Lifecycle (launch, end), Transfers (what both ways share), Download, Upload,
+/// Edit (delete, new folders), DragDrop.
 class Controller : public AsyncSocketDelegate, public TableDataSource, private DeviceListSource {
 public:
     /// What one polling step found.
@@ -65,6 +66,7 @@ public:
     /// The one door through which people's actions come in: does nothing while another action, a prompt or
     /// the progress window runs, whichever way the action came.
     void Perform(void (Controller::*zOperation)());
+    void Perform(const std::function<void()>& zOperation);
 
     // --- Session ---
 
@@ -149,10 +151,32 @@ public:
 
     /// Uploads local files and folders (full paths) into a device folder, after asking about everything that
     /// is there already in the folder on screen. Returns the error text; "" also when people cancelled.
-    std::string UploadFiles(const std::vector<std::string>& zPaths, const std::string& zDevicePath);
+    std::string UploadFiles(const std::vector<std::string>& zPaths, const std::string& zrDevicePath);
 
-    /// Creating folders and deleting come with a later version; says so.
-    void OnNotYetAvailable();
+    // --- Delete and Create Folder ---
+
+    /// Deletes what is selected, after a question. Nothing keeps the remaining items from being deleted:
+    /// neither one that the device refuses nor Cancel, which ends the wait for one of them.
+    void OnDeleteButton();
+
+    /// Asks for a name and makes a folder of its plain form, see ConvertNameForDevice, in the folder shown.
+    void OnCreateFolderButton();
+
+    // --- Drag and drop ---
+
+    eDragOperation tableViewValidateDrop(int zRow) override;
+
+    /// Uploads local files and folders into the folder shown, whatever the row. False where that is refused:
+    /// without a connection, and into a folder that is read-only.
+    bool tableViewAcceptDrop(const std::vector<std::string>& zPaths, int zRow) override;
+
+    /// Offers the selected rows as files that will be there once they are dropped. Always false, as the
+    /// table is to start no drag of its own.
+    bool tableViewWriteRowsWithIndexes(const std::vector<int>& zRows) override;
+
+    /// Downloads what is selected into the local folder where it was dropped. The names that it returns are
+    /// none: nobody needs them.
+    std::vector<std::string> namesOfPromisedFilesDroppedAtDestination(const std::string& zDestination);
 
     // --- Socket callbacks ---
 
@@ -189,7 +213,7 @@ private:
     bool HasSocket(const AsyncSocket& zrSocket) const;
     bool OperationEnded() const;
     bool IsClientBusy() const;
-    eReply AwaitReply(ModalSession* zpSession);
+    eReply AwaitReply(ModalSession* zpSession, const std::function<void()>& zBeforeStep = {});
     void CloseProgress(ModalSession& zrSession);
     std::string LostTransferText();
 
@@ -208,11 +232,13 @@ private:
 
     // Transfers
     bool MayGoOn(std::string& zrErrorText);
+    static std::string DevicePathIn(const std::string& zFolder, const std::string& zName);
     int AskToOverwrite(bool zIsFolder, const std::string& zName);
     static std::string AmountText(std::int64_t zDone, std::uint64_t zTotal);
 
     // Download
     cDeviceDirList SelectedRecords() const;
+    void DownloadInto(const std::string& zDestination, const cDeviceDirList& zList);
     bool ChooseDestination(std::string& zrDestination);
     bool MeasureDownload(const cDeviceDirList& zrList, std::uint32_t& zrTotal);
     void RefreshAfterTransfer(ModalSession& zrSession, const std::string& zPath);
@@ -235,13 +261,24 @@ private:
 
     // Upload
     std::vector<std::string> ChooseUploads(const std::string& zFolder);
+    void UploadIntoShownFolder(const std::vector<std::string>& zPaths);
     bool DecideUploads(const std::vector<std::string>& zPaths, sUpload& zrUpload);
     int AskForUpload(const std::string& zPath, sUpload& zrUpload);
+    std::function<bool()> WhileCollecting();
     void SendFiles(sUpload& zrUpload);
     bool UploadFile(const std::string& zPath, sUpload& zrUpload);
     void ShowConversions(cAudioConversion& zrRecord, sUpload& zrUpload);
     void ShowUpload(const std::string& zName, float zDone, const sUpload& zUpload);
     bool WaitForUpload(const std::string& zName, cAudioConversion& zrRecord, sUpload& zrUpload);
+
+    // Delete and Create Folder
+    std::string DeleteQuestion(const std::vector<int>& zRows) const;
+    std::string DeleteRows(const std::vector<int>& zRows);
+    void WaitForDelete(ModalSession& zrSession, std::size_t zNumber, std::size_t zCount);
+    std::string AskForFolderName();
+    std::string CreateFolder(const std::string& zTypedName);
+    void MakeDeviceFolder(const std::string& zPath);
+    void FinishEdit(const char* zTitle, const std::string& zErrorText);
 
     MainWindow& mrWindow;
     OpenPanel& mrPanel;

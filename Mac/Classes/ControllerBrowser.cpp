@@ -117,6 +117,7 @@ std::vector<int> Controller::SelectedRows() const {
 void Controller::SetCurrentDirectory(const std::string& zPath) {
     RemoveAllRows();
     if (!IsConnected()) {
+        UpdateControls(); // brings back what the empty table says then
         return;
     }
     const auto session = InitProgressDialogue(Translated("Reading Folder Contents"));
@@ -148,9 +149,7 @@ void Controller::OnTableViewDoubleClick() {
     if (!IsConnected() || info == nullptr || !info->mIsFolder) {
         return;
     }
-    std::string path = mCurrentDirList.mDir;
-    AddTrailingSeparator(path);
-    OpenFolder(path + info->mName);
+    OpenFolder(DevicePathIn(mCurrentDirList.mDir, info->mName));
 }
 
 void Controller::OnBackButton() {

@@ -29,12 +29,6 @@ bool IsPlainEntryName(const std::string& zName) {
            zName.find('\0') == std::string::npos;
 }
 
-std::string DevicePathIn(const std::string& zFolder, const std::string& zName) {
-    std::string path = zFolder;
-    AddTrailingSeparator(path);
-    return path + zName;
-}
-
 /// Not AddTrailingSeparator: a backslash belongs to the name of a local folder, and without it "..\" would
 /// lead out of the destination.
 std::string LocalPathIn(const std::string& zFolder, const std::string& zName) {
@@ -90,7 +84,11 @@ void Controller::OnDownloadButton() {
         return;
     }
     GetSettings().RecentDownloadPath = destination;
-    const std::string error = DownloadFiles(destination, list);
+    DownloadInto(destination, list);
+}
+
+void Controller::DownloadInto(const std::string& zDestination, const cDeviceDirList& zList) {
+    const std::string error = DownloadFiles(zDestination, zList);
     if (!error.empty()) {
         ShowMessage("Download failed", error);
     }

@@ -63,11 +63,15 @@ void Controller::changeTransparency(double zOpacity) {
 }
 
 void Controller::Perform(void (Controller::*zOperation)()) {
+    Perform([this, zOperation] { (this->*zOperation)(); });
+}
+
+void Controller::Perform(const std::function<void()>& zOperation) {
     if (mPerforming || mTerminating || ModalSession::IsRunning()) {
         return;
     }
     mPerforming = true;
-    (this->*zOperation)();
+    zOperation();
     mPerforming = false;
 }
 
@@ -78,10 +82,6 @@ void Controller::OnAbout() {
 
 void Controller::OnUserGuide() {
     OpenUserGuide();
-}
-
-void Controller::OnNotYetAvailable() {
-    SetStatusText("This version cannot do that yet");
 }
 
 void Controller::ShowMessage(const std::string& zTitle, const std::string& zMessage) {

@@ -270,10 +270,13 @@ Controller::eReply Controller::WaitForReply() {
     return StillWaiting;
 }
 
-/// Waits for a text reply; one that people cancel is given time to end.
-Controller::eReply Controller::AwaitReply(ModalSession* zpSession) {
+/// Waits for a text reply; one that people cancel is given time to end. zBeforeStep shows how far it is.
+Controller::eReply Controller::AwaitReply(ModalSession* zpSession, const std::function<void()>& zBeforeStep) {
     eReply reply = StillWaiting;
     while (reply == StillWaiting) {
+        if (zBeforeStep) {
+            zBeforeStep();
+        }
         reply = CheckForReply(zpSession);
     }
     if (reply == Cancelled && WaitForReply() == StillWaiting) {

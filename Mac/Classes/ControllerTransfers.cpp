@@ -1,5 +1,6 @@
 #include "Controller.h"
 
+#include "CommonUtils.h"
 #include "CopyFolderController.h"
 #include "WidgetText.h"
 
@@ -19,6 +20,12 @@ bool Controller::MayGoOn(std::string& zrErrorText) {
         return false;
     }
     return true;
+}
+
+std::string Controller::DevicePathIn(const std::string& zFolder, const std::string& zName) {
+    std::string path = zFolder;
+    AddTrailingSeparator(path);
+    return path + zName;
 }
 
 int Controller::AskToOverwrite(bool zIsFolder, const std::string& zName) {

@@ -13,6 +13,7 @@
 #include <QtCore/QElapsedTimer>
 
 #include <algorithm>
+#include <map>
 
 namespace {
 
@@ -63,6 +64,16 @@ std::string PathBelow(const std::string& zPath, std::size_t zRootLength) {
     return zPath.substr(std::min(zRootLength, zPath.size()));
 }
 
+/// Names that are equal but for the case of their letters have this in common.
+QString Folded(const std::string& zName) {
+    return ToWidgetText(zName).toCaseFolded();
+}
+
+/// A device would take what follows such a name for further commands.
+bool EndsTheCommand(const std::string& zName) {
+    return zName.find("</cmd") != std::string::npos;
+}
+
 bool IsAllowedSound(const std::string& zPath) {
     return HasExtension(zPath, "wav") || HasExtension(zPath, "aif");
 }
@@ -72,6 +83,7 @@ bool IsAllowedSound(const std::string& zPath) {
 struct Controller::sUpload {
     std::string devicePath;
     std::size_t rootLength;
+    std::map<QString, bool> isListedFolder = {}; ///< by the folded names of the folder shown
     std::vector<std::string> sendList = {};
     std::uint64_t total = 0; ///< bytes of the source files
     bool folderYesToAll = false;
@@ -87,13 +99,17 @@ void Controller::OnUploadButton() {
     if (!IsConnected()) {
         return;
     }
-    const std::string folder = mCurrentDirList.mDir;
-    const std::vector<std::string> paths = ChooseUploads(folder);
+    const std::vector<std::string> paths = ChooseUploads(mCurrentDirList.mDir);
     if (paths.empty() || mTerminating) {
         return;
     }
     GetSettings().RecentUploadPath = GetParentPath(paths.front());
-    const std::string error = UploadFiles(paths, folder);
+    UploadIntoShownFolder(paths);
+}
+
+void Controller::UploadIntoShownFolder(const std::vector<std::string>& zPaths) {
+    const std::string folder = mCurrentDirList.mDir;
+    const std::string error = UploadFiles(zPaths, folder);
     if (!error.empty()) {
         ShowMessage("Upload failed", error);
     }
@@ -115,7 +131,8 @@ std::vector<std::string> Controller::ChooseUploads(const std::string& zFolder) {
 
 // --- The whole upload ---
 
-std::string Controller::UploadFiles(const std::vector<std::string>& zPaths, const std::string& zDevicePath) {
+std::string Controller::UploadFiles(const std::vector<std::string>& zPaths,
+                                    const std::string& zrDevicePath) {
     if (!IsConnected()) {
         return Translated("Connection has been closed");
     }
@@ -123,7 +140,10 @@ std::string Controller::UploadFiles(const std::vector<std::string>& zPaths, cons
         return Translated("Waiting for operation to finish"); // a cancelled one, whose reply is still due
     }
     const std::vector<std::string> paths = WithoutLastSeparators(zPaths);
-    sUpload upload{zDevicePath, CommonRootLength(paths)};
+    sUpload upload{zrDevicePath, CommonRootLength(paths)};
+    for (const tFileInfo& info : mCurrentDirList.mFile) {
+        upload.isListedFolder.emplace(Folded(info.mName), info.mIsFolder);
+    }
     if (!DecideUploads(paths, upload)) {
         return {};
     }
@@ -141,19 +161,23 @@ std::string Controller::UploadFiles(const std::vector<std::string>& zPaths, cons
     return upload.errorText;
 }
 
-/// Asks about everything that is there already, before the first byte goes. False when people cancel.
+/// Asks about everything that is there already, before the first byte goes. False when people cancel; ends
+/// early where the connection is lost meanwhile.
 bool Controller::DecideUploads(const std::vector<std::string>& zPaths, sUpload& zrUpload) {
     for (const std::string& path : zPaths) {
         const int answer = AskForUpload(path, zrUpload);
         if (answer == CopyCancel) {
             return false;
         }
+        if (!IsConnected()) {
+            return true;
+        }
         if (answer == CopyNo) {
             continue;
         }
         if (IsFolder(path)) {
             std::string folder = path;
-            GetLocalFileList(folder, zrUpload.sendList, zrUpload.total);
+            GetLocalFileList(folder, zrUpload.sendList, zrUpload.total, WhileCollecting());
         } else {
             zrUpload.sendList.push_back(path);
             zrUpload.total += GetFileSize(path);
@@ -165,19 +189,31 @@ bool Controller::DecideUploads(const std::vector<std::string>& zPaths, sUpload& 
 int Controller::AskForUpload(const std::string& zPath, sUpload& zrUpload) {
     std::string name = NameForDevice(PathBelow(zPath, zrUpload.rootLength));
     TruncateText(name, kLongestComparedName);
-    const auto entry = std::ranges::find_if(
-        mCurrentDirList.mFile, [&](const tFileInfo& info) { return SameTextNoCase(info.mName, name); });
-    if (entry == mCurrentDirList.mFile.end()) {
+    const auto entry = zrUpload.isListedFolder.find(Folded(name));
+    if (entry == zrUpload.isListedFolder.end()) {
         return CopyYes;
     }
     const bool isFolder = IsFolder(zPath);
-    if (entry->mIsFolder != isFolder) {
+    if (entry->second != isFolder) {
         return CopyNo;
     }
     bool& yesToAll = isFolder ? zrUpload.folderYesToAll : zrUpload.fileYesToAll;
     const int answer = yesToAll ? CopyYesToAll : AskToOverwrite(isFolder, name);
     yesToAll = answer == CopyYesToAll;
     return answer;
+}
+
+/// Keeps the window alive while the files of a large folder are looked up.
+std::function<bool()> Controller::WhileCollecting() {
+    QElapsedTimer sincePump;
+    sincePump.start();
+    return [this, sincePump]() mutable {
+        if (sincePump.hasExpired(kPumpMilliseconds)) {
+            RunLoop::RunSlice({}, [] { return false; });
+            sincePump.restart();
+        }
+        return IsConnected();
+    };
 }
 
 void Controller::SendFiles(sUpload& zrUpload) {
@@ -196,7 +232,7 @@ void Controller::SendFiles(sUpload& zrUpload) {
 bool Controller::UploadFile(const std::string& zPath, sUpload& zrUpload) {
     cAudioConversion record(zPath);
     ShowConversions(record, zrUpload);
-    if (!record.ConvertForUpload()) {
+    if (!record.ConvertForUpload()) { // which it does not say at present: it falls back to the source
         ShowMessage("File convert failed", record.message);
         return true;
     }
@@ -206,6 +242,10 @@ bool Controller::UploadFile(const std::string& zPath, sUpload& zrUpload) {
     std::string name = NameForDevice(GetParentPath(PathBelow(zPath, zrUpload.rootLength)));
     AddTrailingSeparator(name);
     name += record.deviceName;
+    if (EndsTheCommand(name)) {
+        zrUpload.errorText = record.deviceName + " - " + Translated("Not a name for a device");
+        return false;
+    }
     if (!mpSocket->CommandFits(eCommand::kUpload, zrUpload.devicePath, name)) {
         zrUpload.errorText = record.deviceName + " - " + Translated("Path too long");
         return false;
@@ -221,7 +261,7 @@ void Controller::ShowConversions(cAudioConversion& zrRecord, sUpload& zrUpload) 
     zrRecord.progress = [this, &zrRecord, &zrUpload, sincePump](double) mutable {
         if (sincePump.hasExpired(kPumpMilliseconds)) {
             ShowUpload(GetFileName(zrRecord.sourcePath), static_cast<float>(zrUpload.bytesDone), zrUpload);
-            zrUpload.session->RunOnce();
+            zrUpload.session->RunOnce(); // shows the progress window when it is time
             RunLoop::RunSlice({}, [] { return false; });
             sincePump.restart();
         }

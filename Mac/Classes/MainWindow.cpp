@@ -77,13 +77,15 @@ void MainWindow::Attach(Controller& zrController) {
     mpController = &zrController;
     mpWiring = std::make_unique<QObject>();
     mpModel->SetDataSource(mpController);
+    mpUi->tableView->SetDataSource(mpController);
     Connect(mpUi->connectButton, mpUi->connectAction, &Controller::OnConnectButton);
     Connect(mpUi->backButton, mpUi->backAction, &Controller::OnBackButton);
-    Connect(mpUi->createFolderButton, mpUi->createFolderAction, &Controller::OnNotYetAvailable);
-    Connect(mpUi->deleteButton, mpUi->deleteAction, &Controller::OnNotYetAvailable);
+    Connect(mpUi->createFolderButton, mpUi->createFolderAction, &Controller::OnCreateFolderButton);
+    Connect(mpUi->deleteButton, mpUi->deleteAction, &Controller::OnDeleteButton);
     Connect(mpUi->uploadButton, mpUi->uploadAction, &Controller::OnUploadButton);
     Connect(mpUi->downloadButton, mpUi->downloadAction, &Controller::OnDownloadButton);
     ConnectTable();
+    MakeContextMenu();
     ConnectMenu();
     connect(mpUi->transparencySlider, &QSlider::valueChanged, mpWiring.get(), [this](int zPercent) {
         mpController->changeTransparency(static_cast<double>(zPercent) / 100.0);
@@ -93,6 +95,7 @@ void MainWindow::Attach(Controller& zrController) {
 void MainWindow::Detach() {
     mpWiring.reset();
     mpModel->SetDataSource(nullptr);
+    mpUi->tableView->SetDataSource(nullptr);
     mpController = nullptr;
 }
 
@@ -108,10 +111,26 @@ void MainWindow::ConnectTable() {
     const auto open = [this] { mpController->Perform(&Controller::OnTableViewDoubleClick); };
     connect(mpUi->tableView, &DeviceTableView::doubleClicked, mpWiring.get(), open);
     connect(mpUi->tableView, &DeviceTableView::rowOpened, mpWiring.get(), open);
+    // Queued, so that the other program need not wait for the end of the upload.
+    connect(
+        mpUi->tableView, &DeviceTableView::pathsDropped, mpWiring.get(),
+        [this](const std::vector<std::string>& zPaths, int zRow) {
+            mpController->Perform([&] { mpController->tableViewAcceptDrop(zPaths, zRow); });
+        },
+        Qt::QueuedConnection);
     connect(mpUi->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, mpWiring.get(),
             [this] { mpController->tableViewSelectionDidChange(); });
     connect(mpUi->tableView->horizontalHeader(), &QHeaderView::sectionResized, mpWiring.get(),
             [this] { mpController->tableViewColumnDidResize(); });
+}
+
+/// What can be done with the folder shown and with what is selected in it.
+void MainWindow::MakeContextMenu() {
+    auto* const separator = new QAction(mpWiring.get());
+    separator->setSeparator(true);
+    mpUi->tableView->setContextMenuPolicy(Qt::ActionsContextMenu);
+    mpUi->tableView->addActions({mpUi->downloadAction, mpUi->deleteAction, separator, mpUi->uploadAction,
+                                 mpUi->createFolderAction, mpUi->backAction, mpUi->refreshAction});
 }
 
 void MainWindow::ConnectMenu() {

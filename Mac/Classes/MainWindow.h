@@ -58,6 +58,7 @@ private:
     void SetUpIcons();
     void Connect(QPushButton* zpButton, QAction* zpAction, tOperation zOperation);
     void ConnectTable();
+    void MakeContextMenu();
     void ConnectMenu();
 
     std::unique_ptr<Ui::MainWindow> mpUi;

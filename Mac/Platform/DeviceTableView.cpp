@@ -1,8 +1,15 @@
 #include "DeviceTableView.h"
 
+#include "LocalUrl.h"
+#include "ModalSession.h"
+#include "TableModel.h"
+
+#include <QtGui/QDropEvent>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QHeaderView>
+
+#include <algorithm>
 
 DeviceTableView::DeviceTableView(QWidget* zpParent) : QTableView(zpParent) {
     setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -14,6 +21,7 @@ DeviceTableView::DeviceTableView(QWidget* zpParent) : QTableView(zpParent) {
     setTextElideMode(Qt::ElideMiddle);
     setTabKeyNavigation(false);
     setSortingEnabled(true);
+    setDragDropMode(QAbstractItemView::DragDrop);
     verticalHeader()->hide();
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -43,4 +51,45 @@ void DeviceTableView::paintEvent(QPaintEvent* zpEvent) {
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap,
                      mPlaceholder);
+}
+
+// --- Drags ---
+
+void DeviceTableView::dragEnterEvent(QDragEnterEvent* zpEvent) {
+    Consider(*zpEvent);
+}
+
+void DeviceTableView::dragMoveEvent(QDragMoveEvent* zpEvent) {
+    Consider(*zpEvent);
+}
+
+void DeviceTableView::dropEvent(QDropEvent* zpEvent) {
+    Consider(*zpEvent);
+    if (zpEvent->isAccepted()) {
+        emit pathsDropped(LocalPaths(*zpEvent->mimeData()), RowAt(*zpEvent));
+    }
+}
+
+/// Drags of this program come from this table: what they promise is here already.
+void DeviceTableView::Consider(QDropEvent& zrEvent) {
+    const bool fits = mpSource != nullptr && !ModalSession::IsRunning() && zrEvent.source() == nullptr &&
+                      !LocalPaths(*zrEvent.mimeData()).empty() &&
+                      mpSource->tableViewValidateDrop(RowAt(zrEvent)) == eDragOperation::kCopy;
+    zrEvent.setDropAction(fits ? Qt::CopyAction : Qt::IgnoreAction);
+    zrEvent.setAccepted(fits);
+}
+
+int DeviceTableView::RowAt(const QDropEvent& zEvent) const {
+    return rowAt(zEvent.position().toPoint().y());
+}
+
+void DeviceTableView::startDrag(Qt::DropActions zActions) {
+    std::vector<int> rows;
+    for (const QModelIndex& index : selectionModel()->selectedRows()) {
+        rows.push_back(index.row());
+    }
+    std::ranges::sort(rows);
+    if (mpSource != nullptr && !rows.empty() && mpSource->tableViewWriteRowsWithIndexes(rows)) {
+        QTableView::startDrag(zActions);
+    }
 }

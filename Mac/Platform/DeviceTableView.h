@@ -2,8 +2,14 @@
 
 #include <QtWidgets/QTableView>
 
+#include <string>
+#include <vector>
+
+class TableDataSource;
+
 /// A table of rows that says in grey what to do while it has none, and that tells apart opening a row
-/// (Return) from walking through the rows.
+/// (Return) from walking through the rows. It takes local files from other programs, anywhere, and hands
+/// drags of its rows to its data source.
 class DeviceTableView : public QTableView {
     Q_OBJECT
 
@@ -13,14 +19,29 @@ public:
     /// The grey text of the empty table; "" for none.
     void SetPlaceholder(const QString& zText);
 
+    /// Who is asked about drags; null for nobody, and no drags.
+    void SetDataSource(TableDataSource* zpSource) { mpSource = zpSource; }
+
 signals:
     /// Return was pressed on a row.
     void rowOpened(const QModelIndex& zIndex);
 
+    /// Local files and folders were dropped on a row, -1 for none. Who takes them must not do so before it
+    /// has returned to the event loop: the other program waits until then.
+    void pathsDropped(const std::vector<std::string>& zPaths, int zRow);
+
 protected:
     void keyPressEvent(QKeyEvent* zpEvent) override;
     void paintEvent(QPaintEvent* zpEvent) override;
+    void dragEnterEvent(QDragEnterEvent* zpEvent) override;
+    void dragMoveEvent(QDragMoveEvent* zpEvent) override;
+    void dropEvent(QDropEvent* zpEvent) override;
+    void startDrag(Qt::DropActions zActions) override;
 
 private:
+    void Consider(QDropEvent& zrEvent);
+    int RowAt(const QDropEvent& zEvent) const;
+
+    TableDataSource* mpSource = nullptr;
     QString mPlaceholder;
 };

@@ -68,7 +68,9 @@ Qt::ItemFlags TableModel::flags(const QModelIndex& zIndex) const {
         return Qt::NoItemFlags;
     }
     const Qt::ItemFlags shown = Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
-    return mpSource->tableViewShouldSelectRow(zIndex.row()) ? shown | Qt::ItemIsSelectable : shown;
+    return mpSource->tableViewShouldSelectRow(zIndex.row())
+               ? shown | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled
+               : shown;
 }
 
 void TableModel::sort(int zColumn, Qt::SortOrder zOrder) {

@@ -19,7 +19,11 @@ struct sTableColumn {
     std::string title;
 };
 
-/// Where a table gets its rows from. Rows outside the source's list give empty values.
+/// What becomes of a drag that is dropped here.
+enum class eDragOperation { kNone, kCopy };
+
+/// Where a table gets its rows from, and where drags to and from it go. Rows outside the source's list give
+/// empty values.
 class TableDataSource {
 public:
     virtual ~TableDataSource() = default;
@@ -37,6 +41,16 @@ public:
 
     /// The order was changed; the source sorts its rows and has the table reloaded.
     virtual void tableViewSortDescriptorsDidChange(const sSortDescriptor& zDescriptor) = 0;
+
+    /// Local files are held over a row (-1: over none).
+    virtual eDragOperation tableViewValidateDrop(int zRow) = 0;
+
+    /// They were dropped there. False when they are refused.
+    virtual bool tableViewAcceptDrop(const std::vector<std::string>& zPaths, int zRow) = 0;
+
+    /// These rows, in ascending order, are being dragged. Whether the table is to go on with that; a source
+    /// that has run a drag of its own says no.
+    virtual bool tableViewWriteRowsWithIndexes(const std::vector<int>& zRows) = 0;
 };
 
 /// Shows a data source to the toolkit's table view. It keeps no rows of its own: whoever changes the

@@ -125,6 +125,7 @@ bool cAudioConversion::IsConvertibleAudio(const std::string& zExtension) {
 bool cAudioConversion::ConvertForUpload(const std::string* zpOutputFolder) {
     DeleteTempFile(); // of a call before, lest the source takes its place in the record
     cancelled = false;
+    message.clear();
     const std::string extension = GetExtension(sourcePath);
     if (!Convert(ToLower(extension), zpOutputFolder)) {
         outputPath = sourcePath;

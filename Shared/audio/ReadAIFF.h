@@ -37,9 +37,8 @@ public:
     ///   "Error reading samplerate!", "Samplerate out of range!" (not above 0 and up to 1000000), "Error
     ///   while skipping extension-bytes in COMM chunk!", "Failed to rewind!" (to the samples, which came
     ///   first);
-    /// - of SSND: "Multiple SSND chunks!", "Error while skipping offset in SSND chunk!" (also when the
-    /// samples
-    ///   begin beyond the first 2 GiB).
+    /// - of SSND: "Multiple SSND chunks!", "Error while skipping offset in SSND chunk!" (also when
+    ///   the samples begin beyond the first 2 GiB).
     bool Open(const char* zpPath);
 
     bool IsOpen() const;

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Nobody has so many files of one title; whoever puts them there keeps the conversion from its work only.
+/// Nobody has so many files of one title. Where somebody has them none the less, nothing is converted.
 constexpr int kMostNames = 1000;
 
 constexpr std::size_t kLongestFileName = 255; // of the file systems in use
@@ -22,6 +22,7 @@ std::string FreshPath(const std::string& zPath, int zNumber) {
 
 /// Opens a file that nobody has had before; links count as files here.
 tStdioStream CreateFile(const std::string& zPath) {
+    errno = 0; // a path too long to be tried at all leaves it alone
     return tStdioStream(OpenFile(zPath, "wbx"));
 }
 

@@ -138,10 +138,13 @@ bool cWaveFile::WriteHeader(std::FILE* zpFile) {
 }
 
 bool cWaveFile::Close() {
-    const bool isWritten = out == nullptr || FinishWriting();
     reader.reset();
-    out.reset();
-    return isWritten;
+    if (out == nullptr) {
+        return true;
+    }
+    const bool isWritten = FinishWriting();
+    // A file system on the network may fail only now.
+    return (std::fclose(out.release()) == 0 || Fail("Couldn't write samples")) && isWritten;
 }
 
 bool cWaveFile::Reset() {

@@ -14,5 +14,11 @@ public:
         zrController.mpAdmission->Receive(zBytes.data(), static_cast<int>(zBytes.size()));
     }
 
+    /// A row that stands for no record, which no listing of today makes.
+    static void AddRowWithoutRecord(Controller& zrController) {
+        zrController.mTableEntries.push_back({"..", "Folder", "", std::nullopt});
+        zrController.mpTableModel->Reload();
+    }
+
     static float FileProgress(const Controller& zrController) { return zrController.mpSocket->GetProgress(); }
 };

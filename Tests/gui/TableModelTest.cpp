@@ -58,6 +58,19 @@ struct sRows : TableDataSource {
     void tableViewSortDescriptorsDidChange(const sSortDescriptor& zDescriptor) override {
         sorted.push_back(zDescriptor.key + (zDescriptor.ascending ? "+" : "-"));
     }
+
+    eDragOperation tableViewValidateDrop(int /*zRow*/) override { return eDragOperation::kCopy; }
+
+    bool tableViewAcceptDrop(const std::vector<std::string>& /*zPaths*/, int /*zRow*/) override {
+        return true;
+    }
+
+    bool tableViewWriteRowsWithIndexes(const std::vector<int>& zRows) override {
+        dragged.push_back(zRows);
+        return false;
+    }
+
+    std::vector<std::vector<int>> dragged;
 };
 
 class TableModelTest : public ::testing::Test {
@@ -210,6 +223,64 @@ TEST_F(DeviceTableViewTest, AnEmptyTableShowsItsPlaceholder) {
     const QImage bare = mView.viewport()->grab().toImage();
     EXPECT_NE(withPlaceholder, bare);
     EXPECT_NE(withPlaceholder, withRows);
+}
+
+// --- Drags that begin here ---
+
+class RowDragTest : public TableModelTest {
+protected:
+    RowDragTest() {
+        mSource.rows = {{"one", "a"}, {"two", "b"}, {"three", "c"}, {"fixed", "d"}};
+        mModel.Reload();
+        mView.setModel(&mModel);
+        mView.SetDataSource(&mSource);
+        mView.resize(400, 300);
+        ShowActive(mView);
+    }
+
+    QPoint Centre(int zRow) { return mView.visualRect(mModel.index(zRow, 0)).center(); }
+
+    void Click(int zRow, Qt::KeyboardModifiers zModifiers = Qt::NoModifier) {
+        QTest::mouseClick(mView.viewport(), Qt::LeftButton, zModifiers, Centre(zRow));
+    }
+
+    /// Presses the mouse on a row, moves it away and lets it go.
+    void Pull(int zRow) {
+        QTest::mousePress(mView.viewport(), Qt::LeftButton, {}, Centre(zRow));
+        for (int step = 1; step <= 4; ++step) {
+            MoveWithButton(Centre(zRow) + QPoint(10 * step, 8 * step));
+        }
+        QTest::mouseRelease(mView.viewport(), Qt::LeftButton, {}, Centre(zRow) + QPoint(40, 32));
+    }
+
+    DeviceTableView mView;
+
+private:
+    void MoveWithButton(const QPoint& zPlace) {
+        QMouseEvent move(QEvent::MouseMove, zPlace, mView.viewport()->mapToGlobal(zPlace), Qt::NoButton,
+                         Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(mView.viewport(), &move);
+    }
+};
+
+TEST_F(RowDragTest, TakesTheSelectedRowsFromTopToBottom) {
+    Click(2);
+    Click(0, Qt::ControlModifier);
+    Pull(2);
+    EXPECT_THAT(mSource.dragged, ElementsAre(ElementsAre(0, 2)));
+    EXPECT_EQ(mView.selectionModel()->selectedRows().size(), 2);
+}
+
+TEST_F(RowDragTest, SelectsARowThatIsNotSelectedFirst) {
+    Click(2);
+    Pull(1);
+    EXPECT_THAT(mSource.dragged, ElementsAre(ElementsAre(1)));
+    EXPECT_EQ(mView.selectionModel()->selectedRows().front().row(), 1);
+}
+
+TEST_F(RowDragTest, TakesNothingWhereNothingCanBeSelected) {
+    Pull(3);
+    EXPECT_TRUE(mSource.dragged.empty());
 }
 
 } // namespace

@@ -217,6 +217,22 @@ TEST_F(UploadPrompt, ALostConnectionEndsTheUploadWithTheAnswer) {
     ExpectUploads();
 }
 
+TEST_F(UploadPrompt, ALostConnectionEndsTheQuestions) {
+    mDevice.AddFile("3.txt", "old");
+    Key(Qt::Key_F5);
+    Meanwhile meanwhile;
+    meanwhile
+        .When(
+            "the first prompt", [] { return WindowInFront(kPrompt) != nullptr; },
+            [this] { mDevice.DropConnection(); })
+        .When("the lost connection", [this] { return !mController.IsConnected(); })
+        .Answer(kPrompt, "Yes");
+    Upload({"2.txt", "3.txt"}); // which would wait for ever in a second prompt
+    EXPECT_THAT(mAlerts, ElementsAre(sAlert{kUploadFailed, kClosed}));
+    Connect();
+    ExpectUploads();
+}
+
 TEST_F(UploadPrompt, ADeviceThatFloodsMeanwhileEndsTheUploadWithTheAnswer) {
     Meanwhile meanwhile;
     meanwhile

@@ -1,5 +1,6 @@
 #include "ModalSession.h"
 #include "ProgressController.h"
+#include "RiffBytes.h"
 #include "Settings.h"
 #include "UploadFixture.h"
 
@@ -71,6 +72,20 @@ TEST_P(UploadQuitWays, InTheMiddleOfAConversion) {
         [this] { return CurrentItem() == "long.wav" && !TemporaryFiles().empty(); }, [this] { Quit(); });
     EXPECT_THAT(Sent(), IsEmpty());
     EXPECT_THAT(mAlerts, IsEmpty());
+}
+
+TEST_P(UploadQuitWays, InTheMiddleOfAConvertedFile) {
+    mFolder.Write("big.wav", WaveBytes({1, 2, 44100, 24}, std::string(60'000'000, '\0')));
+    mDevice.mOnCommand = [this](const std::string& zCommand) -> std::optional<std::string> {
+        if (zCommand.starts_with("<cmd upload>")) {
+            mDevice.StopListening();
+        }
+        return std::nullopt;
+    };
+    QuitWhen(
+        {"big.wav", "3.txt"}, "the transfer",
+        [this] { return mDevice.CountOf("upload") > 0 && IsInTheMiddleOf("big.wav"); }, [this] { Quit(); });
+    EXPECT_THAT(TemporaryFiles(), IsEmpty());
 }
 
 TEST_P(UploadQuitWays, WhileTheOverwritePromptIsUp) {

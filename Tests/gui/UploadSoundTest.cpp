@@ -130,6 +130,46 @@ TEST_F(UploadSound, ASmallerResultLeavesTheBarShort) {
     EXPECT_LE(*std::ranges::max_element(positions), 667);
 }
 
+TEST_F(UploadSound, ALargerResultStopsAtTheEndOfTheBar) {
+    mFolder.Write("1.wav", WaveBytes({1, 1, 44100, 8}, std::string(300'000, '\x80')));
+    mFolder.Write("2.txt", std::string(100'000, 'x'));
+    Connect();
+    std::vector<int> positions = {0};
+    QObject::connect(&Control<QProgressBar>(ProgressWindow(), "Progress"), &QProgressBar::valueChanged,
+                     &mWindow, [&positions](int zPosition) { positions.push_back(zPosition); });
+    Upload({"1.wav", "2.txt"});
+    EXPECT_EQ(Received("1.wav").size(), 600'044U);
+    EXPECT_EQ(*std::ranges::max_element(positions), 1000);
+}
+
+TEST_F(UploadSound, ItsTemporaryFileIsDeletedWithALineInTheLog) {
+    mFolder.Write("a.wav", WaveBytes({1, 1, 44100, 8}, "1234"));
+    Connect();
+    ::testing::internal::CaptureStdout();
+    Upload({"a.wav"});
+    EXPECT_THAT(::testing::internal::GetCapturedStdout(),
+                ::testing::HasSubstr("Deleting temp file " + GetTempFolder() + "/a.wav\n"));
+}
+
+TEST_F(UploadSound, ItsTemporaryFileIsGoneWhenTheDeviceIs) {
+    mFolder.Write("big.wav", WaveBytes({1, 2, 44100, 24}, std::string(60'000'000, '\0')));
+    mDevice.mOnCommand = [this](const std::string& zCommand) -> std::optional<std::string> {
+        if (zCommand.starts_with("<cmd upload>")) {
+            mDevice.StopListening();
+        }
+        return std::nullopt;
+    };
+    Connect();
+    Meanwhile meanwhile;
+    meanwhile.When(
+        "the transfer", [this] { return mDevice.CountOf("upload") > 0 && IsInTheMiddleOf("big.wav"); },
+        [this] { mDevice.ResetConnection(); });
+    Upload({"big.wav"});
+    ASSERT_EQ(mAlerts.size(), 1U);
+    EXPECT_EQ(mAlerts.front().title, kUploadFailed);
+    EXPECT_THAT(TemporaryFiles(), IsEmpty());
+}
+
 TEST_F(UploadSound, ItsNewEndingReplacesAFileWithoutAQuestion) {
     mDevice.AddFile("a.wav", "old");
     mFolder.Write("a.aif", WaveBytes({1, 1, 8000, 24}, Sample24(0)));

@@ -1,4 +1,5 @@
 #include "ProgressController.h"
+#include "RiffBytes.h"
 #include "UploadFixture.h"
 
 #include <gmock/gmock.h>
@@ -18,6 +19,36 @@ using ::testing::UnorderedElementsAre;
 
 /// Folders, the paths on the device, and what is not sent.
 using UploadTree = UploadFixture;
+
+struct sMixedFile {
+    std::string local;
+    std::string content;
+    std::string device;
+    std::string received;
+};
+
+/// One of many files in folders: text, sound that is converted, sound that is none, and names that change.
+sMixedFile MixedFile(int zNumber) {
+    const std::string number = std::to_string(zNumber);
+    const std::string folder = std::to_string(zNumber % 7);
+    const std::string local = folder + " Zölle/" + number;
+    const std::string device = folder + " Zolle/" + number;
+    const std::string samples = Little16(static_cast<unsigned>(zNumber)) + std::string(2, '\0');
+    switch (zNumber % 4) {
+    case 0:
+        return {local + " à.bin", number, device + " a.bin", number};
+    case 1:
+        return {local + ".WAV", WaveBytes({1, 1, 8000, 8}, std::string(4, '\x80')), device + ".wav",
+                WaveBytes({1, 1, 8000, 16}, std::string(8, '\0'))};
+    case 2:
+        return {local + ".aiff", number, device + ".aiff", number};
+    default:
+        return {local + std::string(60 - number.size(), 'x') + ".wav",
+                WaveBytes({1, 1, 96000, 24}, '\0' + samples.substr(0, 2)),
+                device + std::string(24 - number.size(), 'x') + ".wav",
+                WaveBytes({1, 1, 48000, 16}, Little16(static_cast<unsigned>(zNumber - 1)))};
+    }
+}
 
 // --- Folders ---
 
@@ -49,17 +80,15 @@ TEST_F(UploadTree, AFolderMayEndInASeparator) {
 TEST_F(UploadTree, FiveHundredFilesArrive) {
     constexpr int kCount = 500;
     for (int number = 0; number < kCount; ++number) {
-        const std::string text = std::to_string(number);
-        const char* const ending = number % 2 == 0 ? ".bin" : ".wav"; // no real sound files
-        mFolder.Write("t/" + std::to_string(number % 7) + "/" + text + ending, text);
+        const sMixedFile file = MixedFile(number);
+        mFolder.Write("t/" + file.local, file.content);
     }
     Connect();
     EXPECT_EQ(Drop({"t"}), "");
     EXPECT_EQ(Sent().size(), kCount);
     for (int number = 0; number < kCount; ++number) {
-        const std::string text = std::to_string(number);
-        const char* const ending = number % 2 == 0 ? ".bin" : ".wav";
-        EXPECT_EQ(Received("t/" + std::to_string(number % 7) + "/" + text + ending), text);
+        const sMixedFile file = MixedFile(number);
+        EXPECT_EQ(Received("t/" + file.device), file.received) << file.local;
     }
     EXPECT_THAT(mAlerts, IsEmpty());
 }
@@ -148,6 +177,31 @@ TEST_F(UploadTree, ATooLongPathEndsTheUpload) {
     EXPECT_THAT(Sent(), ElementsAre("a.txt")) << "what came before stays";
     EXPECT_TRUE(mController.IsConnected());
     ExpectUploads();
+}
+
+TEST_F(UploadTree, ANameThatADeviceWouldTakeForCommandsEndsTheUpload) {
+    const std::string folder = "x\" Length = \"1\"<";
+    const std::string inner = "cmd><cmd del>Path = \"User";
+    mFolder.Write("a.txt", "first");
+    mFolder.Write(folder + "/" + inner + "/b.txt", "second");
+    Connect();
+    EXPECT_EQ(Drop({"a.txt", folder}), "b.txt - Not a name for a device");
+    EXPECT_THAT(Sent(), ElementsAre("a.txt"));
+    EXPECT_EQ(mDevice.CountOf("<cmd del>"), 0);
+    EXPECT_TRUE(mController.IsConnected());
+}
+
+TEST_F(UploadTree, TheWindowLivesWhileALargeFolderIsLookedUp) {
+    for (int number = 0; number < 20000; ++number) {
+        mFolder.Write("f/" + std::to_string(number), "");
+    }
+    Connect();
+    int turns = 0;
+    QTimer turn;
+    QObject::connect(&turn, &QTimer::timeout, &turn, [&turns] { ++turns; });
+    turn.start(0);
+    EXPECT_EQ(mController.UploadFiles({mFolder / "f"}, ""), "");
+    EXPECT_GT(turns, 0);
 }
 
 // --- What is not sent ---

@@ -117,6 +117,14 @@ std::string ScriptedDevice::UploadCommand(const std::string& zPath, std::size_t 
            R"("</cmd>)";
 }
 
+std::string ScriptedDevice::DeleteCommand(const std::string& zPath) {
+    return R"(<cmd del>Path = "User/)" + zPath + R"("</cmd>)";
+}
+
+std::string ScriptedDevice::MakeDirCommand(const std::string& zPath) {
+    return R"(<cmd md>Path = "User/)" + zPath + R"("</cmd>)";
+}
+
 std::string ScriptedDevice::LengthPrefix(std::size_t zLength) {
     std::string prefix;
     for (unsigned shift = 0; shift < 32; shift += 8) {
@@ -166,6 +174,16 @@ std::string ScriptedDevice::AnswerFromTree(const std::string& zCommand) const {
         return DirRecurseReply(path);
     }
     return zCommand.starts_with("<cmd download>") ? DownloadReply(path) : "";
+}
+
+/// What a command without a reply does.
+void ScriptedDevice::Change(const std::string& zCommand) {
+    const std::string path = PathIn(zCommand);
+    if (zCommand.starts_with("<cmd del>")) {
+        Remove(path);
+    } else if (zCommand.starts_with("<cmd md>")) {
+        AddFolder(path);
+    }
 }
 
 // --- The connection ---
@@ -255,6 +273,9 @@ void ScriptedDevice::ListenAgain() {
 
 void ScriptedDevice::Answer(const std::string& zCommand) {
     const std::optional<std::string> special = mOnCommand ? mOnCommand(zCommand) : std::nullopt;
+    if (!special) {
+        Change(zCommand);
+    }
     Send(special ? *special : AnswerFromTree(zCommand));
 }
 

@@ -13,7 +13,7 @@
 
 /// A device in the test's own process and event loop, at the port that the program always connects to.
 ///
-/// It answers from a small tree of files, which takes in what is uploaded, so that a test only says what is
+/// It answers from a small tree of files, which takes in what is uploaded, deletes and makes folders, so that a test only says what is
 /// special: another welcome, other answers, answers that wait, arrive in pieces or never. It serves the
 /// newest connection.
 class ScriptedDevice {
@@ -96,6 +96,8 @@ public:
     static std::string DirCommand(const std::string& zPath);
     static std::string DownloadCommand(const std::string& zPath);
     static std::string UploadCommand(const std::string& zPath, std::size_t zLength);
+    static std::string DeleteCommand(const std::string& zPath);
+    static std::string MakeDirCommand(const std::string& zPath);
     std::string DirReply(const std::string& zPath) const;
     static std::string LengthPrefix(std::size_t zLength);
 
@@ -116,6 +118,7 @@ private:
     void OnWantsToSend();
     void Answer(const std::string& zCommand);
     std::string AnswerFromTree(const std::string& zCommand) const;
+    void Change(const std::string& zCommand);
     std::string DirRecurseReply(const std::string& zPath) const;
     std::string DownloadReply(const std::string& zPath) const;
     const sEntry* Find(const std::string& zPath) const;

@@ -22,6 +22,7 @@
 
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
+using ::testing::SizeIs;
 using ::testing::StartsWith;
 using ::testing::UnorderedElementsAre;
 
@@ -206,6 +207,21 @@ TEST(GetLocalFileList, ListsFilesOfEveryDepthWithTheirSizes) {
     EXPECT_THAT(ListOf(folder.Path().string()).files, ::testing::UnorderedElementsAreArray(written));
     EXPECT_EQ(ListOf(folder.Path().string()).total, 21U);
     EXPECT_THAT(ListOf(folder / "back\\").files, ElementsAre(folder / "back\\/x"));
+}
+
+TEST(GetLocalFileList, StopsWhenItIsTold) {
+    const TestFolder folder;
+    for (const char* name : {"a/1", "a/2", "b/3", "b/4"}) {
+        folder.Write(name, "x");
+    }
+    std::vector<std::string> files;
+    std::uint64_t total = 0;
+    std::string path = folder.Path().string();
+    int asked = 0;
+    GetLocalFileList(path, files, total, [&] { return ++asked <= 3; }); // a folder and its two files
+    EXPECT_THAT(files, SizeIs(2));
+    EXPECT_EQ(total, 2U);
+    EXPECT_EQ(path, folder.Path().string());
 }
 
 TEST(GetLocalFileList, AddsToWhatIsThere) {

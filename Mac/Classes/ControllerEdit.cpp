@@ -1,0 +1,158 @@
+#include "Controller.h"
+
+#include "Alert.h"
+#include "CommonUtils.h"
+#include "CommonUtils_OSX.h"
+#include "CreateFolderController.h"
+#include "DeviceTableView.h"
+#include "WidgetText.h"
+
+#include <QtCore/QString>
+
+#include <algorithm>
+
+namespace {
+
+using eCommand = cClientProtocol::eCommand;
+using tFileInfo = cClientProtocol::cDeviceFileInfo;
+
+constexpr int kLongestFolderName = 24;
+
+constexpr const char* kDeleteFolder =
+    "Are you sure you want to delete this folder from '%s:/%s'?  This operation cannot be undone.";
+constexpr const char* kDeleteFile =
+    "Are you sure you want to delete this file from '%s:/%s'?  This operation cannot be undone.";
+constexpr const char* kDeleteFiles =
+    "Are you sure you want to delete %d files from '%s:/%s'?  This operation cannot be undone.";
+
+/// One of our texts with the texts of others in it, which may be long; FormatString would cut them.
+template <typename... tArguments>
+std::string Filled(const char* zTemplate, tArguments... zArguments) {
+    return FromWidgetText(QString::asprintf(Translated(zTemplate).c_str(), zArguments...));
+}
+
+/// The other names would make a folder elsewhere, or none.
+bool IsPlainFolderName(const std::string& zName) {
+    return zName != "." && zName != ".." && zName.find('/') == std::string::npos;
+}
+
+} // namespace
+
+/// Ends a deletion or the making of a folder: people see the folder as it is now.
+void Controller::FinishEdit(const char* zTitle, const std::string& zErrorText) {
+    if (!zErrorText.empty()) {
+        ShowMessage(zTitle, zErrorText);
+    }
+    tableView->clearSelection();
+    SetCurrentDirectory(mCurrentDirList.mDir);
+}
+
+// --- Delete ---
+
+void Controller::OnDeleteButton() {
+    if (!IsConnected()) {
+        return;
+    }
+    const std::vector<int> rows = SelectedRows();
+    if (rows.empty()) {
+        ShowMessage("No files selected", Translated("Please select the files you wish to delete"));
+        return;
+    }
+    const int answer = ShowAlert(&mrWindow, Translated("Delete files"), DeleteQuestion(rows), AlertOkCancel);
+    if (answer == 1 && IsConnected()) {
+        FinishEdit("Delete failed", DeleteRows(rows));
+    }
+}
+
+std::string Controller::DeleteQuestion(const std::vector<int>& zRows) const {
+    const char* const device = mDeviceName.c_str();
+    const char* const folder = mCurrentDirList.mDir.c_str();
+    if (zRows.size() > 1) {
+        return Filled(kDeleteFiles, static_cast<int>(zRows.size()), device, folder);
+    }
+    const tFileInfo* const info = RecordAt(zRows.front());
+    return Filled(info != nullptr && info->mIsFolder ? kDeleteFolder : kDeleteFile, device, folder);
+}
+
+/// A device that refuses one item, and people who will not wait for one, do not keep the others from being
+/// deleted. Returns the error text.
+std::string Controller::DeleteRows(const std::vector<int>& zRows) {
+    const auto session = InitProgressDialogue(Translated("Deleting files"));
+    std::string errorText;
+    for (std::size_t number = 1; number <= zRows.size() && IsConnected() && !IsClientBusy(); ++number) {
+        const tFileInfo* const info = RecordAt(zRows[number - 1]);
+        if (info == nullptr) {
+            continue;
+        }
+        const std::string path = DevicePathIn(mCurrentDirList.mDir, info->mName);
+        if (!mpSocket->CommandFits(eCommand::kDelete, path)) {
+            errorText = info->mName + " - " + Translated("Path too long");
+            continue;
+        }
+        mpSocket->Delete(path);
+        WaitForDelete(*session, number, zRows.size());
+    }
+    CloseProgress(*session);
+    return errorText;
+}
+
+void Controller::WaitForDelete(ModalSession& zrSession, std::size_t zNumber, std::size_t zCount) {
+    const std::string text = Filled("File %d of %d", static_cast<int>(zNumber), static_cast<int>(zCount));
+    AwaitReply(&zrSession, [&] {
+        const float done = mpSocket->GetProgress() + static_cast<float>(zNumber - 1);
+        progressDlg->SetProgress(text, done / static_cast<float>(zCount));
+    });
+}
+
+// --- Create Folder ---
+
+void Controller::OnCreateFolderButton() {
+    if (!IsConnected()) {
+        return;
+    }
+    const std::string typed = AskForFolderName();
+    if (!typed.empty() && IsConnected()) {
+        FinishEdit("Create Folder Failed", CreateFolder(typed));
+    }
+}
+
+std::string Controller::AskForFolderName() {
+    CreateFolderController prompt(&mrWindow);
+    CentreOverWindow(prompt);
+    ModalSession::RunModal(prompt);
+    prompt.close();
+    return prompt.GetFolderName();
+}
+
+/// Returns the error text.
+std::string Controller::CreateFolder(const std::string& zTypedName) {
+    std::string name;
+    ConvertNameForDevice(zTypedName, name);
+    TruncateText(name, kLongestFolderName);
+    if (name.empty()) {
+        return {};
+    }
+    if (!IsPlainFolderName(zTypedName) || !IsPlainFolderName(name)) {
+        return Filled("'%s' is not a valid folder name.", zTypedName.c_str());
+    }
+    const std::string path = DevicePathIn(mCurrentDirList.mDir, name);
+    if (!mpSocket->CommandFits(eCommand::kMakeDir, path)) {
+        return name + " - " + Translated("Path too long");
+    }
+    if (std::ranges::any_of(mCurrentDirList.mFile,
+                            [&](const tFileInfo& info) { return SameTextNoCase(info.mName, name); })) {
+        ShowMessage(
+            "File already exists",
+            Filled("A file or folder called '%s' already exists.  Please try another name.", name.c_str()));
+        return {};
+    }
+    MakeDeviceFolder(path);
+    return {};
+}
+
+void Controller::MakeDeviceFolder(const std::string& zPath) {
+    const auto session = InitProgressDialogue(Translated("Creating Folder"));
+    mpSocket->MakeDir(zPath);
+    AwaitReply(session.get());
+    CloseProgress(*session);
+}
