@@ -1,6 +1,8 @@
 #include "Controller.h"
 
 #include "CommonUtils.h"
+#include "DeviceTableView.h"
+#include "PromisedFileDrag.h"
 #include "WidgetText.h"
 
 // --- Onto the table ---
@@ -27,8 +29,13 @@ bool Controller::tableViewAcceptDrop(const std::vector<std::string>& zPaths, int
 
 // --- Out of the table ---
 
-bool Controller::tableViewWriteRowsWithIndexes(const std::vector<int>& /*zRows*/) {
+bool Controller::tableViewWriteRowsWithIndexes(const std::vector<int>& zRows) {
     DebugPrintf("writeRowsWithIndexes\n");
+    const cClientProtocol::cDeviceFileInfo* const info = zRows.empty() ? nullptr : RecordAt(zRows.front());
+    // By way of the window, which outlives this.
+    PromisedFileDrag::Run(
+        *tableView, info != nullptr ? info->mName : "",
+        [table = tableView](const std::string& zFolder) { emit table->promiseDropped(zFolder); });
     return false;
 }
 

@@ -118,6 +118,11 @@ void MainWindow::ConnectTable() {
             mpController->Perform([&] { mpController->tableViewAcceptDrop(zPaths, zRow); });
         },
         Qt::QueuedConnection);
+    connect(mpUi->tableView, &DeviceTableView::promiseDropped, mpWiring.get(),
+            [this](const std::string& zFolder) {
+                mpController->Perform(
+                    [&] { mpController->namesOfPromisedFilesDroppedAtDestination(zFolder); });
+            });
     connect(mpUi->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, mpWiring.get(),
             [this] { mpController->tableViewSelectionDidChange(); });
     connect(mpUi->tableView->horizontalHeader(), &QHeaderView::sectionResized, mpWiring.get(),

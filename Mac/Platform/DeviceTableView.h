@@ -30,6 +30,9 @@ signals:
     /// has returned to the event loop: the other program waits until then.
     void pathsDropped(const std::vector<std::string>& zPaths, int zRow);
 
+    /// The rows that were dragged out are wanted in this local folder.
+    void promiseDropped(const std::string& zFolder);
+
 protected:
     void keyPressEvent(QKeyEvent* zpEvent) override;
     void paintEvent(QPaintEvent* zpEvent) override;

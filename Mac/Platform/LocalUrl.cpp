@@ -14,7 +14,9 @@ bool IsThisComputer(const QString& zHost) {
 } // namespace
 
 std::optional<std::string> LocalPath(const QUrl& zUrl) {
-    if (zUrl.scheme() != QLatin1String("file") || !IsThisComputer(zUrl.host())) {
+    // A "#" or "?" that was not encoded would leave the path of something else.
+    if (zUrl.scheme() != QLatin1String("file") || !IsThisComputer(zUrl.host()) || zUrl.hasQuery() ||
+        zUrl.hasFragment()) {
         return {};
     }
     // Decoded as bytes: a name on the disk need not be text.

@@ -38,6 +38,8 @@ TEST(LocalPath, IsWhatTheUrlStandsForByteForByte) {
                                 {"file:///folder/", "/folder/"},
                                 {"file://elsewhere/tmp/a", ""},
                                 {"file:///tmp/a%00b", ""},
+                                {"file:///tmp/a#b", ""},
+                                {"file:///tmp/a?b", ""},
                                 {"file:relative", ""},
                                 {"http://localhost/tmp/a", ""},
                                 {"https://example.org/", ""},

@@ -20,6 +20,7 @@ from waiting import Gone
 ADDRESS = "127.0.0.1"
 DEVICE_NAME = "Sample device"
 FOLDER = "Field recordings"
+NEW_FOLDER = "Rehearsals"
 SOUNDS_ON_DEVICE = {"Harbour.wav": "Harbour.aiff", "Birdsong.wav": "Birdsong.wav"}
 SOUNDS = list(SOUNDS_ON_DEVICE.values())
 PROBLEMS = (RuntimeError, TimeoutError, Gone)
@@ -40,7 +41,7 @@ class Tour:
 
     def walk(self):
         for step in (self.start, self.choose, self.connect, self.browse, self.download, self.upload,
-                     self.quit):
+                     self.create_folder, self.delete, self.quit):
             step()
 
     def start(self):
@@ -87,6 +88,24 @@ class Tour:
         self._done("upload", "Two sounds are uploaded and converted; the device's top folder now holds:")
         for path in sorted(self._served.iterdir()):
             print(f"   {path.stat().st_size if path.is_file() else 'folder':>10}  {path.name}")
+
+    def create_folder(self):
+        self._quillbox.button("Create Folder").press()
+        prompt = self._quillbox.window("Create Folder")
+        prompt.find("Folder name", "text").set_words(NEW_FOLDER)
+        self._done("name", "Create Folder asks for a name.")
+        prompt.find("OK", "push button").press()
+        self._quillbox.wait_for_listing("/", names_in(self._served) + [NEW_FOLDER])
+        check((self._served / NEW_FOLDER).is_dir(), f"the device has made '{NEW_FOLDER}'")
+
+    def delete(self):
+        self._quillbox.select(NEW_FOLDER)
+        self._quillbox.button("Delete").press()
+        alert = self._quillbox.program.alert("Delete files")
+        self._done("delete", "Delete asks before it deletes the new folder again.")
+        alert.find("OK", "push button").press()
+        self._quillbox.wait_for_listing("/", set(names_in(self._served)) - {NEW_FOLDER})
+        check(not (self._served / NEW_FOLDER).exists(), f"the device has deleted '{NEW_FOLDER}'")
 
     def quit(self):
         self._desktop.close_window(self._quillbox.main)

@@ -1,0 +1,66 @@
+#include "ExtractionOffer.h"
+
+#include "LocalUrl.h"
+
+#include <QtCore/QUrl>
+
+#include <utility>
+
+namespace {
+
+const QLatin1String kServiceFormat("application/x-kde-ark-dndextract-service");
+const QLatin1String kPathFormat("application/x-kde-ark-dndextract-path");
+
+/// Each drag has a path of its own, as the target of the one before may still be asking.
+QString NextObjectPath() {
+    static int count = 0;
+    return QStringLiteral("/drag/%1").arg(++count);
+}
+
+/// A path is taken as it stands: a "%" in it is part of a name.
+std::optional<std::string> LocalFolder(const QString& zFolder) {
+    return zFolder.startsWith(QLatin1Char('/')) ? zFolder.toStdString()
+                                                : LocalPath(QUrl::fromEncoded(zFolder.toUtf8()));
+}
+
+} // namespace
+
+std::unique_ptr<ExtractionOffer> ExtractionOffer::Make(const QDBusConnection& zrBus,
+                                                       OnDestination zOnDestination) {
+    std::unique_ptr<ExtractionOffer> offer(new ExtractionOffer(zrBus, std::move(zOnDestination)));
+    QDBusConnection bus = zrBus;
+    if (!bus.registerObject(offer->mObjectPath, offer.get(), QDBusConnection::ExportScriptableInvokables)) {
+        return nullptr;
+    }
+    return offer;
+}
+
+ExtractionOffer::ExtractionOffer(QDBusConnection zBus, OnDestination zOnDestination)
+    : mBus(std::move(zBus)), mObjectPath(NextObjectPath()), mOnDestination(std::move(zOnDestination)) {}
+
+ExtractionOffer::~ExtractionOffer() {
+    mBus.unregisterObject(mObjectPath);
+}
+
+QStringList ExtractionOffer::Formats() const {
+    return {kServiceFormat, kPathFormat};
+}
+
+QByteArray ExtractionOffer::Data(const QString& zFormat) {
+    return zFormat == kServiceFormat ? mBus.baseService().toUtf8() : mObjectPath.toUtf8();
+}
+
+void ExtractionOffer::OnDropped() {
+    mIsDropped = true;
+}
+
+void ExtractionOffer::extractSelectedFilesTo(const QString& zFolder) {
+    const std::optional<std::string> folder = LocalFolder(zFolder);
+    if (!mIsDropped || !folder) {
+        sendErrorReply(mIsDropped ? QDBusError::InvalidArgs : QDBusError::AccessDenied);
+        return;
+    }
+    if (!std::exchange(mIsTaken, true)) {
+        mOnDestination(*folder);
+    }
+}
