@@ -134,6 +134,15 @@ class Desktop:
         return subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True, timeout=20,
                               stdout=subprocess.PIPE, text=True).stdout
 
+    def move_pointer(self, x, y):
+        self._xdotool("mousemove", x, y)
+
+    def hold_button(self):
+        self._xdotool("mousedown", 1)
+
+    def release_button(self):
+        self._xdotool("mouseup", 1)
+
     def click_at(self, x, y, times=1, button=1):
         self._xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 40, button)
 
@@ -145,11 +154,17 @@ class Desktop:
     def click_row(self, table, row, times=1, extend=False):
         """Clicks a table row near the left end of its first cell; `extend` adds it to the selection."""
         left, top, width, height = settled_extents(table.cell(row, 0))
+        x, y = left + min(40, width // 2), top + height // 2
         if extend:
-            self._xdotool("keydown", "ctrl")
-        self.click_at(left + min(40, width // 2), top + height // 2, times)
-        if extend:
-            self._xdotool("keyup", "ctrl")
+            self.click_in_addition(x, y)
+        else:
+            self.click_at(x, y, times)
+
+    def click_in_addition(self, x, y):
+        """Clicks as people do who add to a selection."""
+        self._xdotool("keydown", "ctrl")
+        self.click_at(x, y)
+        self._xdotool("keyup", "ctrl")
 
     def keys(self, *names):
         """Presses keys, such as "Return" or "ctrl+q", in the window that has the focus."""
@@ -157,6 +172,15 @@ class Desktop:
 
     def type(self, text):
         self._xdotool("type", "--delay", 15, text)
+
+    def place_window(self, process, left, top, width, height):
+        """Gives the one window that a process shows this place and size, its frame not counted."""
+        def shown():
+            found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(process.pid)],
+                                   env=self.environment, check=False, timeout=20, stdout=subprocess.PIPE)
+            return found.stdout.split()
+        window = int(wait_for(shown, f"a window of {process.argv[0]}")[0])
+        self._xdotool("windowsize", window, width, height, "windowmove", window, left, top)
 
     def close_window(self, node):
         """Closes a window by the button in its title bar."""
