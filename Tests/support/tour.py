@@ -78,10 +78,11 @@ class Tour:
 
     def upload(self):
         """Sends two of the downloaded sounds, of other formats than the device plays, to the top folder."""
+        expected = {*names_in(self._served), *SOUNDS_ON_DEVICE}
         chooser = self._quillbox.ask_for_upload(f"Upload files to '{DEVICE_NAME}:/'")
         self._done("files", "Upload asks for the files that are to be sent.")
         self._quillbox.choose_files(chooser, self._target / FOLDER, SOUNDS)
-        self._quillbox.wait_for_listing("/", {*names_in(self._served), *SOUNDS_ON_DEVICE})
+        self._quillbox.wait_for_listing("/", expected)
         for name, source in SOUNDS_ON_DEVICE.items():
             check(format_of(self._served / name) == "16-bit WAV", f"'{name}' is a 16-bit WAV file")
             print(f"   {source} -> {name}, a 16-bit WAV file")
