@@ -64,9 +64,9 @@ public:
     void OnUserGuide();
 
     /// The one door through which people's actions come in: does nothing while another action, a prompt or
-    /// the progress window runs, whichever way the action came.
-    void Perform(void (Controller::*zOperation)());
-    void Perform(const std::function<void()>& zOperation);
+    /// the progress window runs, whichever way the action came, and returns false then.
+    bool Perform(void (Controller::*zOperation)());
+    bool Perform(const std::function<void()>& zOperation);
 
     // --- Session ---
 
@@ -232,6 +232,9 @@ private:
 
     // Transfers
     bool MayGoOn(std::string& zrErrorText);
+    static bool EndsTheCommand(const std::string& zName);
+    static bool IsPlainEntryName(const std::string& zName);
+    static void LogSkipped(const std::string& zName, const char* zReason);
     static std::string DevicePathIn(const std::string& zFolder, const std::string& zName);
     int AskToOverwrite(bool zIsFolder, const std::string& zName);
     static std::string AmountText(std::int64_t zDone, std::uint64_t zTotal);
@@ -278,7 +281,8 @@ private:
     std::string AskForFolderName();
     std::string CreateFolder(const std::string& zTypedName);
     void MakeDeviceFolder(const std::string& zPath);
-    void FinishEdit(const char* zTitle, const std::string& zErrorText);
+    bool RefusesWhileBusy(const char* zTitle);
+    void ListAfterEdit();
 
     MainWindow& mrWindow;
     OpenPanel& mrPanel;

@@ -18,17 +18,6 @@ namespace {
 using tFileInfo = cClientProtocol::cDeviceFileInfo;
 using eCommand = cClientProtocol::eCommand;
 
-/// Tells on standard output what a download leaves out without telling it on the screen.
-void LogSkipped(const std::string& zName, const char* zReason) {
-    DebugPrintf("Skipped '%s': %s\n", OneLogLine(zName).c_str(), zReason);
-}
-
-/// A name from a device becomes a local path only if it stays one entry of the destination folder.
-bool IsPlainEntryName(const std::string& zName) {
-    return !zName.empty() && zName != "." && zName != ".." && zName.find('/') == std::string::npos &&
-           zName.find('\0') == std::string::npos;
-}
-
 /// Not AddTrailingSeparator: a backslash belongs to the name of a local folder, and without it "..\" would
 /// lead out of the destination.
 std::string LocalPathIn(const std::string& zFolder, const std::string& zName) {

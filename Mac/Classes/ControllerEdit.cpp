@@ -38,11 +38,16 @@ bool IsPlainFolderName(const std::string& zName) {
 
 } // namespace
 
-/// Ends a deletion or the making of a folder: people see the folder as it is now.
-void Controller::FinishEdit(const char* zTitle, const std::string& zErrorText) {
-    if (!zErrorText.empty()) {
-        ShowMessage(zTitle, zErrorText);
+/// The device owes the answer to a cancelled operation, and takes no command until then.
+bool Controller::RefusesWhileBusy(const char* zTitle) {
+    if (IsClientBusy()) {
+        ShowMessage(zTitle, Translated("Waiting for operation to finish"));
     }
+    return IsClientBusy();
+}
+
+/// People see what came of it, since the device does not say.
+void Controller::ListAfterEdit() {
     tableView->clearSelection();
     SetCurrentDirectory(mCurrentDirList.mDir);
 }
@@ -58,9 +63,16 @@ void Controller::OnDeleteButton() {
         ShowMessage("No files selected", Translated("Please select the files you wish to delete"));
         return;
     }
+    if (RefusesWhileBusy("Delete failed")) {
+        return;
+    }
     const int answer = ShowAlert(&mrWindow, Translated("Delete files"), DeleteQuestion(rows), AlertOkCancel);
     if (answer == 1 && IsConnected()) {
-        FinishEdit("Delete failed", DeleteRows(rows));
+        const std::string error = DeleteRows(rows);
+        if (!error.empty()) {
+            ShowMessage("Delete failed", error);
+        }
+        ListAfterEdit(); // also after an error, which concerns single items
     }
 }
 
@@ -82,6 +94,10 @@ std::string Controller::DeleteRows(const std::vector<int>& zRows) {
     for (std::size_t number = 1; number <= zRows.size() && IsConnected() && !IsClientBusy(); ++number) {
         const tFileInfo* const info = RecordAt(zRows[number - 1]);
         if (info == nullptr) {
+            continue;
+        }
+        if (!IsPlainEntryName(info->mName)) {
+            LogSkipped(info->mName, "not a file name");
             continue;
         }
         const std::string path = DevicePathIn(mCurrentDirList.mDir, info->mName);
@@ -110,9 +126,18 @@ void Controller::OnCreateFolderButton() {
     if (!IsConnected()) {
         return;
     }
+    if (RefusesWhileBusy("Create Folder Failed")) {
+        return;
+    }
     const std::string typed = AskForFolderName();
-    if (!typed.empty() && IsConnected()) {
-        FinishEdit("Create Folder Failed", CreateFolder(typed));
+    if (typed.empty() || !IsConnected()) {
+        return;
+    }
+    const std::string error = CreateFolder(typed);
+    if (error.empty()) {
+        ListAfterEdit();
+    } else {
+        ShowMessage("Create Folder Failed", error);
     }
 }
 
@@ -129,7 +154,7 @@ std::string Controller::CreateFolder(const std::string& zTypedName) {
     std::string name;
     ConvertNameForDevice(zTypedName, name);
     TruncateText(name, kLongestFolderName);
-    if (name.empty()) {
+    if (name.empty()) { // which no name becomes at present
         return {};
     }
     if (!IsPlainFolderName(zTypedName) || !IsPlainFolderName(name)) {

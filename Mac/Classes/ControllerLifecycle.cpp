@@ -62,17 +62,18 @@ void Controller::changeTransparency(double zOpacity) {
     mrWindow.setWindowOpacity(zOpacity);
 }
 
-void Controller::Perform(void (Controller::*zOperation)()) {
-    Perform([this, zOperation] { (this->*zOperation)(); });
+bool Controller::Perform(void (Controller::*zOperation)()) {
+    return Perform([this, zOperation] { (this->*zOperation)(); });
 }
 
-void Controller::Perform(const std::function<void()>& zOperation) {
+bool Controller::Perform(const std::function<void()>& zOperation) {
     if (mPerforming || mTerminating || ModalSession::IsRunning()) {
-        return;
+        return false;
     }
     mPerforming = true;
     zOperation();
     mPerforming = false;
+    return true;
 }
 
 void Controller::OnAbout() {

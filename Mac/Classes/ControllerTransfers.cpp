@@ -22,6 +22,23 @@ bool Controller::MayGoOn(std::string& zrErrorText) {
     return true;
 }
 
+/// A device would take what follows such a name for further commands.
+bool Controller::EndsTheCommand(const std::string& zName) {
+    return zName.find("</cmd") != std::string::npos;
+}
+
+/// A name from a device becomes a local path, or that of something to delete, only if it stays one entry of
+/// its folder.
+bool Controller::IsPlainEntryName(const std::string& zName) {
+    return !zName.empty() && zName != "." && zName != ".." && zName.find('/') == std::string::npos &&
+           zName.find('\0') == std::string::npos && !EndsTheCommand(zName);
+}
+
+/// Tells on standard output what is left out without telling it on the screen.
+void Controller::LogSkipped(const std::string& zName, const char* zReason) {
+    DebugPrintf("Skipped '%s': %s\n", OneLogLine(zName).c_str(), zReason);
+}
+
 std::string Controller::DevicePathIn(const std::string& zFolder, const std::string& zName) {
     std::string path = zFolder;
     AddTrailingSeparator(path);

@@ -69,11 +69,6 @@ QString Folded(const std::string& zName) {
     return ToWidgetText(zName).toCaseFolded();
 }
 
-/// A device would take what follows such a name for further commands.
-bool EndsTheCommand(const std::string& zName) {
-    return zName.find("</cmd") != std::string::npos;
-}
-
 bool IsAllowedSound(const std::string& zPath) {
     return HasExtension(zPath, "wav") || HasExtension(zPath, "aif");
 }
@@ -131,8 +126,7 @@ std::vector<std::string> Controller::ChooseUploads(const std::string& zFolder) {
 
 // --- The whole upload ---
 
-std::string Controller::UploadFiles(const std::vector<std::string>& zPaths,
-                                    const std::string& zrDevicePath) {
+std::string Controller::UploadFiles(const std::vector<std::string>& zPaths, const std::string& zrDevicePath) {
     if (!IsConnected()) {
         return Translated("Connection has been closed");
     }

@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "CommonUtils.h"
 #include "Controller.h"
 #include "DeviceTableView.h"
 #include "TableModel.h"
@@ -115,18 +116,24 @@ void MainWindow::ConnectTable() {
     connect(
         mpUi->tableView, &DeviceTableView::pathsDropped, mpWiring.get(),
         [this](const std::vector<std::string>& zPaths, int zRow) {
-            mpController->Perform([&] { mpController->tableViewAcceptDrop(zPaths, zRow); });
+            PerformDrop([&] { mpController->tableViewAcceptDrop(zPaths, zRow); });
         },
         Qt::QueuedConnection);
     connect(mpUi->tableView, &DeviceTableView::promiseDropped, mpWiring.get(),
             [this](const std::string& zFolder) {
-                mpController->Perform(
-                    [&] { mpController->namesOfPromisedFilesDroppedAtDestination(zFolder); });
+                PerformDrop([&] { mpController->namesOfPromisedFilesDroppedAtDestination(zFolder); });
             });
     connect(mpUi->tableView->selectionModel(), &QItemSelectionModel::selectionChanged, mpWiring.get(),
             [this] { mpController->tableViewSelectionDidChange(); });
     connect(mpUi->tableView->horizontalHeader(), &QHeaderView::sectionResized, mpWiring.get(),
             [this] { mpController->tableViewColumnDidResize(); });
+}
+
+/// The other program has been told already that the drop is taken, and people see nothing of a refusal.
+void MainWindow::PerformDrop(const std::function<void()>& zOperation) {
+    if (!mpController->Perform(zOperation)) {
+        DebugPrintf("Drop ignored: something else is going on\n");
+    }
 }
 
 /// What can be done with the folder shown and with what is selected in it.
@@ -135,7 +142,8 @@ void MainWindow::MakeContextMenu() {
     separator->setSeparator(true);
     mpUi->tableView->setContextMenuPolicy(Qt::ActionsContextMenu);
     mpUi->tableView->addActions({mpUi->downloadAction, mpUi->deleteAction, separator, mpUi->uploadAction,
-                                 mpUi->createFolderAction, mpUi->backAction, mpUi->refreshAction});
+                                 mpUi->createFolderAction, mpUi->backAction, mpUi->refreshAction,
+                                 mpUi->connectAction});
 }
 
 void MainWindow::ConnectMenu() {

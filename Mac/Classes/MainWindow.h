@@ -2,6 +2,7 @@
 
 #include <QtWidgets/QMainWindow>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -58,6 +59,7 @@ private:
     void SetUpIcons();
     void Connect(QPushButton* zpButton, QAction* zpAction, tOperation zOperation);
     void ConnectTable();
+    void PerformDrop(const std::function<void()>& zOperation);
     void MakeContextMenu();
     void ConnectMenu();
 

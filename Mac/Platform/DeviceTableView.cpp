@@ -55,7 +55,9 @@ void DeviceTableView::paintEvent(QPaintEvent* zpEvent) {
 
 // --- Drags ---
 
+/// What a drag carries is asked for once: the other program is waited for meanwhile.
 void DeviceTableView::dragEnterEvent(QDragEnterEvent* zpEvent) {
+    mHoldsFiles = !LocalPaths(*zpEvent->mimeData()).empty();
     Consider(*zpEvent);
 }
 
@@ -73,8 +75,7 @@ void DeviceTableView::dropEvent(QDropEvent* zpEvent) {
 /// Drags of this program come from this table: what they promise is here already.
 void DeviceTableView::Consider(QDropEvent& zrEvent) {
     const bool fits = mpSource != nullptr && !ModalSession::IsRunning() && zrEvent.source() == nullptr &&
-                      !LocalPaths(*zrEvent.mimeData()).empty() &&
-                      mpSource->tableViewValidateDrop(RowAt(zrEvent)) == eDragOperation::kCopy;
+                      mHoldsFiles && mpSource->tableViewValidateDrop(RowAt(zrEvent)) == eDragOperation::kCopy;
     zrEvent.setDropAction(fits ? Qt::CopyAction : Qt::IgnoreAction);
     zrEvent.setAccepted(fits);
 }

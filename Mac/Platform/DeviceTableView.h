@@ -46,5 +46,6 @@ private:
     int RowAt(const QDropEvent& zEvent) const;
 
     TableDataSource* mpSource = nullptr;
+    bool mHoldsFiles = false; ///< what is dragged over the table now
     QString mPlaceholder;
 };

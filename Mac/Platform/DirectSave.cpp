@@ -44,7 +44,7 @@ QByteArray DirectSave::Data(const QString& /*zFormat*/) {
     // Until the promise is made, the property may hold the URL of the drag before.
     const std::string answer = mIsPromised ? WithoutTrailingZeros(mpProperty->ReadPromise()) : std::string();
     const QByteArray url = QByteArray::fromStdString(answer);
-    if (answer == mName || !HasScheme(url)) {
+    if (!mIsDropped || answer == mName || !HasScheme(url)) {
         return {}; // a target that hovers; "F" or "E" would make some give up
     }
     const std::optional<std::string> path = LocalPath(QUrl::fromEncoded(url));
@@ -59,4 +59,8 @@ QByteArray DirectSave::Data(const QString& /*zFormat*/) {
 
 void DirectSave::OnStarted() {
     mIsPromised = mpProperty->SetPromise(mName);
+}
+
+void DirectSave::OnDropped() {
+    mIsDropped = true;
 }

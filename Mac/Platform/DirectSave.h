@@ -30,14 +30,17 @@ public:
 
     QStringList Formats() const override;
 
-    /// "S" for a local file URL; "E" for any other URL; empty while the property still holds the name.
+    /// "S" for a local file URL; "E" for any other URL; empty while the property still holds the name, and
+    /// before the drop.
     QByteArray Data(const QString& zFormat) override;
     void OnStarted() override;
+    void OnDropped() override;
 
 private:
     std::unique_ptr<DirectSaveProperty> mpProperty;
     std::string mName;
     OnDestination mOnDestination;
     bool mIsPromised = false;
+    bool mIsDropped = false;
     bool mIsTaken = false;
 };

@@ -3,6 +3,7 @@
 #include "LocalUrl.h"
 
 #include <QtCore/QUrl>
+#include <QtCore/QUuid>
 
 #include <utility>
 
@@ -11,10 +12,10 @@ namespace {
 const QLatin1String kServiceFormat("application/x-kde-ark-dndextract-service");
 const QLatin1String kPathFormat("application/x-kde-ark-dndextract-path");
 
-/// Each drag has a path of its own, as the target of the one before may still be asking.
+/// Each drag has a path of its own, as the target of the one before may still be asking. Only who reads the
+/// drag's data is to know it: whoever calls it names the folder.
 QString NextObjectPath() {
-    static int count = 0;
-    return QStringLiteral("/drag/%1").arg(++count);
+    return QStringLiteral("/drag/") + QUuid::createUuid().toString(QUuid::Id128);
 }
 
 /// A path is taken as it stands: a "%" in it is part of a name.

@@ -35,7 +35,7 @@ void CallLater(QWidget& zrOwner, std::chrono::milliseconds zDelay, const std::fu
 /// What one drag promises, by all the ways there are here.
 class Promise {
 public:
-    Promise(QWidget& zrSource, const std::string& zFirstName, PromisedFileDrag::OnDropped zOnDropped);
+    Promise(QWidget& zrSource, const std::string& zFirstName, PromisedFileDrag::OnDestination zOnDestination);
 
     const std::vector<std::unique_ptr<PromiseWay>>& Ways() const { return mWays; }
 
@@ -44,21 +44,23 @@ public:
 
     void OnDropped();
 
-    bool IsTaken() const { return mIsTaken; }
+    /// Takes the promise back unless it was taken. Whether it did so.
+    bool Expire();
 
 private:
     void Add(std::unique_ptr<PromiseWay> zpWay);
     void Take(const std::string& zFolder);
 
     QPointer<QWidget> mpSource;
-    PromisedFileDrag::OnDropped mOnDropped;
+    PromisedFileDrag::OnDestination mOnDestination;
     bool mIsTaken = false;
     std::vector<std::unique_ptr<PromiseWay>> mWays;
     QTimer mStart;
 };
 
-Promise::Promise(QWidget& zrSource, const std::string& zFirstName, PromisedFileDrag::OnDropped zOnDropped)
-    : mpSource(&zrSource), mOnDropped(std::move(zOnDropped)) {
+Promise::Promise(QWidget& zrSource, const std::string& zFirstName,
+                 PromisedFileDrag::OnDestination zOnDestination)
+    : mpSource(&zrSource), mOnDestination(std::move(zOnDestination)) {
     const auto take = [this](const std::string& folder) { Take(folder); };
     if (auto property = XdndProperty::Make()) {
         Add(std::make_unique<DirectSave>(std::move(property), zFirstName, take));
@@ -78,6 +80,13 @@ void Promise::OnDropped() {
     }
 }
 
+bool Promise::Expire() {
+    if (!mIsTaken) {
+        mWays.clear();
+    }
+    return mWays.empty();
+}
+
 void Promise::Add(std::unique_ptr<PromiseWay> zpWay) {
     if (zpWay) {
         mWays.push_back(std::move(zpWay));
@@ -87,7 +96,7 @@ void Promise::Add(std::unique_ptr<PromiseWay> zpWay) {
 void Promise::Take(const std::string& zFolder) {
     if (mpSource && !std::exchange(mIsTaken, true)) {
         // The target, and with it the other program's window, waits for the answer to its request.
-        CallLater(*mpSource, std::chrono::seconds(0), [call = mOnDropped, zFolder] { call(zFolder); });
+        CallLater(*mpSource, std::chrono::seconds(0), [call = mOnDestination, zFolder] { call(zFolder); });
     }
 }
 
@@ -127,10 +136,11 @@ QDrag* MakeDrag(QWidget& zrSource, const std::shared_ptr<Promise>& zrpPromise) {
     return drag;
 }
 
-/// Keeps the promise for a while, whatever the target does with the data of the drag.
+/// Keeps the promise for a while, whatever the target does with the data of the drag, but no longer: people
+/// select other rows by then.
 void AwaitDestination(QWidget& zrSource, const std::shared_ptr<Promise>& zrpPromise) {
     CallLater(zrSource, kPatience, [zrpPromise] {
-        if (!zrpPromise->IsTaken()) {
+        if (zrpPromise->Expire()) {
             DebugPrintf("Drag: no destination was given\n");
         }
     });
@@ -142,10 +152,10 @@ Qt::DropAction PromisedFileDrag::ExecCopy(QDrag& zrDrag) {
     return zrDrag.exec(Qt::CopyAction, Qt::CopyAction);
 }
 
-void PromisedFileDrag::Run(QWidget& zrSource, const std::string& zFirstName, OnDropped zOnDropped,
+void PromisedFileDrag::Run(QWidget& zrSource, const std::string& zFirstName, OnDestination zOnDestination,
                            const Exec& zrExec) {
     const QPointer<QWidget> source(&zrSource);
-    const auto promise = std::make_shared<Promise>(zrSource, zFirstName, std::move(zOnDropped));
+    const auto promise = std::make_shared<Promise>(zrSource, zFirstName, std::move(zOnDestination));
     promise->PostStart();
     const Qt::DropAction action = zrExec(*MakeDrag(zrSource, promise));
     if (action == Qt::CopyAction && source) {

@@ -258,6 +258,19 @@ class RefusedDropTest(DragCase):
         self.drop_from_source("text/uri-list", (self.local / "a.txt").as_uri() + "\r\n")
         self.wait_until_served(["a.txt", "old.txt"])
 
+    def test_own_rows(self):
+        self.start_drag_case({"c.txt": b"c"}, {"a.txt": b"a", "b.txt": b"b"})
+        self.show()
+        self.quillbox.wait_for_listing("/", ["a.txt", "b.txt"])
+        self.quillbox.select("a.txt")
+        self.hand.lift(self.row_place("a.txt"))
+        self.hand.carry_anywhere(self.table_place())
+        self.hand.let_go()
+        self.quillbox.wait_for_log("writeRowsWithIndexes")
+        self.assert_nothing_happens()
+        self.assertNotIn("validate Drop", self.quillbox.log_lines())
+        self.assert_same_files(self.served, {"a.txt": b"a", "b.txt": b"b"})
+
     def drop_from_source(self, mime_type, data):
         """Drags from a window that offers data of this kind onto the table and lets go there."""
         source = self.desktop.start([sys.executable, SOURCE_SCRIPT, "Source", mime_type, data])

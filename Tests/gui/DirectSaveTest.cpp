@@ -38,10 +38,11 @@ protected:
                           [this](const std::string& folder) { folders.push_back(folder); });
     }
 
-    /// A drag that has started, and whose target writes this URL and asks.
+    /// A drag that was dropped, and whose target writes this URL and asks.
     QByteArray AnswerTo(const std::string& url) {
         DirectSave way = Make("first.wav");
         way.OnStarted();
+        way.OnDropped();
         property = url;
         return way.Data("XdndDirectSave0");
     }
@@ -117,6 +118,8 @@ TEST_F(DirectSaveTest, AnswersNothingWhileTheDragHovers) {
         DirectSave way = Make(name);
         way.OnStarted();
         EXPECT_EQ(way.Data("XdndDirectSave0"), "") << name;
+        way.OnDropped();
+        EXPECT_EQ(way.Data("XdndDirectSave0"), "") << name;
     }
     EXPECT_THAT(folders, IsEmpty());
 }
@@ -134,6 +137,9 @@ TEST_F(DirectSaveTest, StillTakesTheDropAfterRequestsInTheHover) {
     EXPECT_EQ(way.Data("XdndDirectSave0"), "");
     EXPECT_EQ(way.Data("XdndDirectSave0"), "");
     property = "file:///home/me/first.wav";
+    EXPECT_EQ(way.Data("XdndDirectSave0"), "") << "not dropped yet";
+    EXPECT_THAT(folders, IsEmpty());
+    way.OnDropped();
     EXPECT_EQ(way.Data("XdndDirectSave0"), "S");
     EXPECT_THAT(folders, ElementsAre("/home/me"));
 }
@@ -141,6 +147,7 @@ TEST_F(DirectSaveTest, StillTakesTheDropAfterRequestsInTheHover) {
 TEST_F(DirectSaveTest, StartsOnceHoweverOftenItIsAsked) {
     DirectSave way = Make("first.wav");
     way.OnStarted();
+    way.OnDropped();
     property = "file:///home/me/first.wav";
     EXPECT_EQ(way.Data("XdndDirectSave0"), "S");
     EXPECT_EQ(way.Data("XdndDirectSave0"), "S");
@@ -152,6 +159,7 @@ TEST_F(DirectSaveTest, StartsOnceHoweverOftenItIsAsked) {
 TEST_F(DirectSaveTest, TakesALocalUrlAfterARefusedOne) {
     DirectSave way = Make("first.wav");
     way.OnStarted();
+    way.OnDropped();
     property = "http://elsewhere.example/x";
     EXPECT_EQ(way.Data("XdndDirectSave0"), "E");
     property = "file:///home/me/first.wav";
@@ -162,9 +170,11 @@ TEST_F(DirectSaveTest, TakesALocalUrlAfterARefusedOne) {
 TEST_F(DirectSaveTest, TakesNoUrlThatAFormerDragLeft) {
     property = "file:///home/me/former.wav";
     DirectSave notStarted = Make("first.wav");
+    notStarted.OnDropped();
     EXPECT_EQ(notStarted.Data("XdndDirectSave0"), "");
     DirectSave withoutSource = Make("first.wav", false);
     withoutSource.OnStarted();
+    withoutSource.OnDropped();
     EXPECT_EQ(withoutSource.Data("XdndDirectSave0"), "");
     EXPECT_THAT(folders, IsEmpty());
 }

@@ -1,3 +1,4 @@
+#include "ClientProbe.h"
 #include "CommonUtils_OSX.h"
 #include "LocalUrl.h"
 #include "ProgressController.h"
@@ -203,8 +204,10 @@ TEST_F(Drops, AReadOnlyFolderTakesNothingAndSaysSo) {
 }
 
 TEST_F(Drops, NothingIsTakenWithoutAConnection) {
-    Press("Disconnect");
     mFolder.Write("a.txt", "a");
+    Drag({"a.txt"});
+    Press("Disconnect");
+    EXPECT_FALSE(IsTaken() && Release());
     EXPECT_FALSE(mController.tableViewAcceptDrop({mFolder / "a.txt"}, 0));
     EXPECT_THAT(mAlerts, IsEmpty());
 }
@@ -284,8 +287,31 @@ TEST_F(PromisedFiles, WhatIsSelectedIsDownloadedThere) {
     EXPECT_EQ(GetSettings().RecentDownloadPath, "/elsewhere");
 }
 
+TEST_F(PromisedFiles, ComeByWayOfTheTable) {
+    SelectRows({"a.wav"});
+    emit Table().promiseDropped(Destination());
+    EXPECT_EQ(mFolder.Read("a.wav"), "a");
+}
+
+TEST_F(PromisedFiles, AreRefusedWithALineInTheLogWhileSomethingElseGoesOn) {
+    SelectRows({"a.wav"});
+    ::testing::internal::CaptureStdout();
+    mController.Perform([this] { emit Table().promiseDropped(Destination()); });
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Drop ignored: something else is going on\n");
+    EXPECT_THAT(LocalTree(), IsEmpty());
+}
+
+TEST_F(PromisedFiles, TheDragIsTheControllersOwn) {
+    SelectRows({"a.wav"});
+    ::testing::internal::CaptureStdout();
+    EXPECT_FALSE(mController.tableViewWriteRowsWithIndexes({0}));
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "writeRowsWithIndexes\n");
+    EXPECT_FALSE(mController.tableViewWriteRowsWithIndexes({}));
+}
+
 TEST_F(PromisedFiles, WithoutAnythingToFetchNothingHappens) {
-    SelectRows({"empty.wav"});
+    ControllerProbe::AddRowWithoutRecord(mController);
+    SelectRows({"empty.wav", ".."});
     DropAtDestination(Destination());
     Table().clearSelection();
     DropAtDestination(Destination());

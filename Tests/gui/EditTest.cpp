@@ -52,6 +52,19 @@ protected:
         return *said;
     }
 
+    /// What the progress window says in the passes of the event loop during an action.
+    std::set<std::string> ProgressOf(const std::function<void()>& zAction) {
+        std::set<std::string> shown;
+        QTimer look;
+        QObject::connect(&look, &QTimer::timeout, &look, [&] {
+            shown.insert(ProgressWindow().windowTitle().toStdString() + ": " + CurrentItem() + ", " +
+                         std::to_string(Position()));
+        });
+        look.start(0);
+        zAction();
+        return shown;
+    }
+
     static void Type(QWidget& zrPrompt, const std::string& zName, const char* zButton = "OK") {
         Control<QLineEdit>(zrPrompt, "Folder name").setText(QString::fromStdString(zName));
         Click<QPushButton>(zrPrompt, zButton);
@@ -124,6 +137,21 @@ TEST_F(Edit, ARowWithoutARecordCountsAndIsNotDeleted) {
                                                 mDevice.DeleteCommand("3.wav"), mDevice.DirCommand("")));
 }
 
+TEST_F(Edit, ARowWithoutARecordHasItsNumberInTheProgress) {
+    ControllerProbe::AddRowWithoutRecord(mController);
+    Table().sortByColumn(0, Qt::AscendingOrder); // ".." comes first
+    ASSERT_EQ(RowNames().front(), "..");
+    const std::set<std::string> shown = ProgressOf([this] {
+        SelectRows({"..", "1.wav", "3.wav"});
+        Meanwhile meanwhile;
+        AnswerQuestion(meanwhile, "OK");
+        mController.Perform(&Controller::OnDeleteButton);
+    });
+    EXPECT_THAT(shown, ::testing::IsSupersetOf(
+                           {"Deleting files: File 2 of 3, 333", "Deleting files: File 3 of 3, 667"}));
+    EXPECT_EQ(mDevice.CountOf("<cmd del>"), 2);
+}
+
 TEST_F(Edit, ARowWithoutARecordAloneIsCalledAFile) {
     ControllerProbe::AddRowWithoutRecord(mController);
     SelectRows({".."});
@@ -170,26 +198,23 @@ TEST_F(Edit, NothingHappensWithoutAConnection) {
 }
 
 TEST_F(Edit, ShowsHowFarItIs) {
-    std::set<std::string> shown;
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &look, [&] {
-        shown.insert(ProgressWindow().windowTitle().toStdString() + ": " + CurrentItem() + ", " +
-                     std::to_string(Position()));
-    });
-    look.start(0);
-    Delete({"1.wav", "2.wav"});
+    const std::set<std::string> shown = ProgressOf([this] { Delete({"1.wav", "2.wav"}); });
     EXPECT_THAT(shown, ::testing::IsSupersetOf(
                            {"Deleting files: File 1 of 2, 0", "Deleting files: File 2 of 2, 500"}));
 }
 
 TEST_F(Edit, CancelDoesNotKeepTheRemainingItems) {
-    mDevice.mOnCommand = [this](const std::string& zCommand) -> std::optional<std::string> {
-        if (zCommand.starts_with("<cmd del>")) {
+    bool cancelled = false;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &look, [&] {
+        if (!cancelled && CurrentItem() == "File 1 of 3") {
+            cancelled = true;
             ProgressWindow().cancelDlg();
         }
-        return std::nullopt;
-    };
+    });
+    look.start(0);
     Delete({"1.wav", "2.wav", "3.wav"});
+    EXPECT_TRUE(cancelled);
     EXPECT_EQ(mDevice.CountOf("<cmd del>"), 3);
     EXPECT_TRUE(mController.IsConnected());
 }
@@ -201,6 +226,35 @@ TEST_F(Edit, WhatTheDeviceRefusesStaysAndTheOthersGo) {
     Delete({"1.wav", "2.wav"});
     EXPECT_THAT(RowNames(), ElementsAre("Beats", "1.wav", "3.wav"));
     EXPECT_THAT(mAlerts, IsEmpty());
+}
+
+TEST_F(Edit, ANameThatLeadsElsewhereIsNotDeleted) {
+    AnswerListing("", {Item("..", "File", 1), Item("a/../b", "File", 1), Item("2.wav", "File", 1)});
+    Key(Qt::Key_F5);
+    mDevice.ForgetCommands();
+    SelectRows({"..", "a/../b", "2.wav"});
+    Meanwhile meanwhile;
+    AnswerQuestion(meanwhile, "OK");
+    mController.Perform(&Controller::OnDeleteButton);
+    EXPECT_THAT(mDevice.Commands(), ElementsAre(mDevice.DeleteCommand("2.wav"), mDevice.DirCommand("")));
+}
+
+TEST_F(Edit, NothingIsBegunWhileAnAnswerIsStillDue) {
+    mDevice.AddFolder("Beats/Old");
+    DoubleClickRow("Beats");
+    mDevice.ForgetCommands();
+    AnswerTo(DirRecurseCommand("Beats/Old"), "");
+    Meanwhile meanwhile;
+    meanwhile.WhenShown(kReading, [](QWidget& zrProgress) { Click<QPushButton>(zrProgress, "Cancel"); });
+    Download({"Old"});
+    ASSERT_THAT(RowNames(), ElementsAre("Old"));
+    SelectRows({"Old"});
+    Press("Delete");
+    Press("Create Folder");
+    const std::string waiting = "Waiting for operation to finish";
+    EXPECT_THAT(mAlerts, ElementsAre(sAlert{"Delete failed", waiting}, sAlert{kCreateFailed, waiting}));
+    EXPECT_EQ(mDevice.CountOf("<cmd del>") + mDevice.CountOf("<cmd md>"), 0);
+    EXPECT_THAT(RowNames(), ElementsAre("Old"));
 }
 
 TEST_F(Edit, APathTooLongIsPassedOverAndSaid) {
@@ -285,7 +339,7 @@ TEST_F(Edit, ANameThatLeadsElsewhereIsRefused) {
         CreateFolder(name);
         EXPECT_THAT(mAlerts, ElementsAre(sAlert{kCreateFailed,
                                                 "'" + std::string(name) + "' is not a valid folder name."}));
-        ExpectOnlyListed();
+        EXPECT_THAT(mDevice.Commands(), IsEmpty());
     }
 }
 
