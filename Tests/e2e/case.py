@@ -104,8 +104,15 @@ def write_files(root, files):
 
 
 def read_files(root):
-    """Contents by path of all files below a folder."""
-    return {str(path.relative_to(root)): path.read_bytes() for path in root.rglob("*") if path.is_file()}
+    """Contents by path of all files below a folder; without those that go while this looks."""
+    files = {}
+    for path in root.rglob("*"):
+        try:
+            if path.is_file():
+                files[str(path.relative_to(root))] = path.read_bytes()
+        except FileNotFoundError:
+            pass  # a download that has arrived just now gets its name
+    return files
 
 
 def top_names(files):

@@ -13,9 +13,9 @@
 
 /// A device in the test's own process and event loop, at the port that the program always connects to.
 ///
-/// It answers from a small tree of files, which takes in what is uploaded, deletes and makes folders, so that a test only says what is
-/// special: another welcome, other answers, answers that wait, arrive in pieces or never. It serves the
-/// newest connection.
+/// It answers from a small tree of files, which takes in what is uploaded, deletes and makes folders, so that
+/// a test only says what is special: another welcome, other answers, answers that wait, arrive in pieces or
+/// never. It serves the newest connection.
 class ScriptedDevice {
 public:
     /// Listens at a loopback address of this process; devices of one process differ by zNumber (0 to 2).

@@ -21,6 +21,7 @@ from processes import Process
 from waiting import PATIENCE, Gone, wait_for
 
 TOOLS = ("Xvfb", "openbox", "xdotool", "xprop", "import", "dbus-daemon", "ip", "setpriv")
+FAR_OUTSIDE = 100_000
 ACCESSIBILITY_LAUNCHER = pathlib.Path("/usr/libexec/at-spi-bus-launcher")
 ALERT = "alert message"
 SCREEN = "1280x900x24"
@@ -293,10 +294,13 @@ class Program:
 
 
 def settled_extents(node):
-    """A control's place on the screen, once two readings agree (the window manager moves new windows)."""
+    """A control's place on the screen, once two readings agree (the window manager moves new windows).
+
+    What is not laid out yet has a place far outside.
+    """
     last = [None]
 
     def agreed():
         previous, last[0] = last[0], node.extents()
-        return last[0] == previous and last[0][2] > 0 and last[0]
+        return last[0] == previous and last[0][2] > 0 and min(last[0][:2]) > -FAR_OUTSIDE and last[0]
     return wait_for(agreed, f"a place on the screen for {node!r}")
