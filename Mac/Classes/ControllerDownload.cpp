@@ -208,9 +208,7 @@ bool Controller::DownloadFolder(const std::string& zDestination, const std::stri
         zrDownload.errorStr = ErrorFor(zInfo.mName, "Path too long");
         return false;
     }
-    if (!FileExists(localPath)) {
-        MakeFolder(localPath);
-    }
+    MakeFolder(localPath); // leaves alone, unopened, what is there already
     cDeviceDirList list;
     if (GetDirectoryContents(zrDownload.session, devicePath, &list)) {
         return DownloadFilesRecurse(localPath, list, zrDownload);

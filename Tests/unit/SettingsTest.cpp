@@ -90,6 +90,7 @@ TEST_F(Settings, ComeBackAsTheyWere) {
     const std::vector<std::string> texts = {
         "plain",         "Rock & Roll",         "<a href=\"x\">'y'</a>", "Ærø/日本/\U0001f3b5",
         "tab\tand\nend", "  spaces  at  ends ", "&amp; &#65; %s",        "bell\x07",
+        "&#x41;",        "&#x\"/><Other a=\"",
     };
     for (const std::string& text : texts) {
         FillWithText(mSettings);
