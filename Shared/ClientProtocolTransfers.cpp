@@ -21,11 +21,6 @@ constexpr const char* kCannotRead = "Couldn't read file";
 constexpr const char* kTooLarge = "File too large";
 constexpr const char* kCannotWrite = " - failed to write file";
 
-/// Opens only what cannot block, so neither a fifo nor a device file.
-std::FILE* OpenRegularFile(const std::string& zPath) {
-    return IsRegularFile(zPath) ? OpenFile(zPath, "rb") : nullptr;
-}
-
 /// Makes a file that did not exist before. A leftover of an earlier download gives way, and so does a link
 /// (not what it names); exclusive creation then follows no link that appears in between.
 std::FILE* CreateTempFile(const std::string& zPath) {

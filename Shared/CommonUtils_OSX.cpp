@@ -252,6 +252,22 @@ std::FILE* OpenFile(const std::string& zPath, const char* zMode) {
     return FitsPathBuffer(zPath) ? std::fopen(zPath.c_str(), zMode) : nullptr;
 }
 
+std::FILE* OpenRegularFile(const std::string& zPath) {
+    if (!FitsPathBuffer(zPath) || !IsRegularFile(zPath)) {
+        return nullptr;
+    }
+    const int descriptor = ::open(zPath.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+
+    struct stat info {};
+
+    const bool isRegular = descriptor != -1 && ::fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode);
+    std::FILE* const stream = isRegular ? ::fdopen(descriptor, "rb") : nullptr;
+    if (stream == nullptr && descriptor != -1) {
+        ::close(descriptor);
+    }
+    return stream;
+}
+
 std::string GetFileTitle(const std::string& zPath) {
     return RemoveExtension(GetFileName(zPath));
 }

@@ -68,6 +68,11 @@ bool MakeFolder(const std::string& zPath);
 /// The caller closes the stream.
 std::FILE* OpenFile(const std::string& zPath, const char* zMode);
 
+/// Opens an ordinary file for reading. Null for anything else, which is not opened, and where OpenFile gives
+/// null; a pipe that takes the file's place meanwhile does not make the caller wait either.
+/// The caller closes the stream.
+std::FILE* OpenRegularFile(const std::string& zPath);
+
 /// The path operations below take separators at the end of a path for no component of their own; the
 /// extension is what GetExtension finds, so that the title of ".hidden" is empty.
 

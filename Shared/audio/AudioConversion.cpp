@@ -314,7 +314,7 @@ bool cAudioConversion::CopySamples(cWaveFile& zrWriter, std::uint64_t zSamples, 
 
 /// Anything but an ordinary file could keep the program waiting for ever.
 tStdioStream cAudioConversion::OpenSource() const {
-    return tStdioStream(IsRegularFile(sourcePath) ? OpenFile(sourcePath, "rb") : nullptr);
+    return tStdioStream(OpenRegularFile(sourcePath));
 }
 
 std::string cAudioConversion::MakeTempOutputPath(const std::string* zpOutputFolder) const {

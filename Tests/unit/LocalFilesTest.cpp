@@ -18,6 +18,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -273,6 +274,11 @@ TEST(GetLocalFileList, EndsInFoldersNestedDeeperThanAPathCanBe) {
     EXPECT_TRUE(DeleteLocalFile(folder / "d"));
 }
 
+bool IsReadAsRegularFile(const std::string& path) {
+    std::FILE* const stream = OpenRegularFile(path);
+    return stream != nullptr && std::fclose(stream) == 0;
+}
+
 TEST(PathTests, TellWhatIsThere) {
     const TestFolder folder;
     folder.Write("file", "12345");
@@ -305,6 +311,7 @@ TEST(PathTests, TellWhatIsThere) {
         EXPECT_EQ(FileExists(folder / entry.name), entry.exists) << entry.name;
         EXPECT_EQ(IsFolder(folder / entry.name), entry.isFolder) << entry.name;
         EXPECT_EQ(IsRegularFile(folder / entry.name), entry.isRegular) << entry.name;
+        EXPECT_EQ(IsReadAsRegularFile(folder / entry.name), entry.isRegular) << entry.name;
     }
 }
 
@@ -319,6 +326,7 @@ TEST(PathTests, DoNotTakeDevicesAndSocketsForFoldersOrFiles) {
     for (const std::string& path : {folder / "socket", std::string("/dev/null")}) {
         EXPECT_FALSE(IsFolder(path)) << path;
         EXPECT_FALSE(IsRegularFile(path)) << path;
+        EXPECT_FALSE(IsReadAsRegularFile(path)) << path;
         EXPECT_FALSE(MakeFolder(path)) << path;
     }
 }
@@ -437,7 +445,29 @@ TEST(OpenFile, HasRoomForPathsBelow1024Bytes) {
     EXPECT_TRUE(FileExists(path));
     path.insert(path.size() - 1, "/");
     EXPECT_EQ(OpenFile(path, "rb"), nullptr);
+    EXPECT_EQ(OpenRegularFile(path), nullptr);
     EXPECT_FALSE(FileExists(path));
+}
+
+// Between a look at a path and its opening anybody may put a pipe there, which nobody ever writes to.
+TEST(OpenRegularFile, NeverWaitsForAPipeThatTakesThePlaceOfAFile) {
+    const TestFolder folder;
+    const std::string path = folder.Write("file", "x");
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    std::jthread exchanger([&](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            ::renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, (folder / "pipe").c_str(), RENAME_EXCHANGE);
+        }
+    });
+    int opened = 0;
+    for (int attempt = 0; attempt < 20'000; ++attempt) {
+        if (std::FILE* const stream = OpenRegularFile(path)) {
+            ++opened;
+            ASSERT_EQ(std::fgetc(stream), 'x');
+            std::fclose(stream);
+        }
+    }
+    EXPECT_GT(opened, 0);
 }
 
 // The folders are found once in a run, so each of these checks runs in a process of its own.
