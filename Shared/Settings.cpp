@@ -34,6 +34,9 @@ constexpr std::size_t kLargestFile = std::size_t{1024} * 1024;
 // The parser calls itself for each element in another and compares each attribute with all before it.
 constexpr std::ptrdiff_t kMostTagsAndAttributes = 4096;
 
+// All fields together can then hold no more of these marks. No path that can be opened is longer.
+constexpr std::size_t kLongestText = 1023;
+
 struct sCloseFile {
     void operator()(std::FILE* zpStream) const { std::fclose(zpStream); }
 };
@@ -78,8 +81,9 @@ TiXmlElement FieldsElement(const cSettings& zSettings) {
     TiXmlElement element(kSettingsElement);
     element.SetAttribute(kConnectionAuto, zSettings.ConnectionAuto ? "true" : "false");
     for (const sTextField& entry : kTextFields) {
-        // A device chooses its own name; ill-formed bytes would make the whole file unreadable.
-        element.SetAttribute(entry.attribute, MakeValidUtf8(zSettings.*entry.field).c_str());
+        // A device chooses its own name; an endless one or ill-formed bytes would make the file unreadable.
+        const std::string& text = zSettings.*entry.field;
+        element.SetAttribute(entry.attribute, text.size() > kLongestText ? "" : MakeValidUtf8(text).c_str());
     }
     return element;
 }
@@ -106,10 +110,7 @@ std::string ResolveLinks(const std::string& zPath) {
 cSettings::cSettings() : FilePath(GetDocumentsFolder() + "/Settings.xml") {}
 
 bool cSettings::Load() {
-    if (!IsRegularFile(FilePath)) {
-        return false;
-    }
-    const tStream stream(OpenFile(FilePath, "rb"));
+    const tStream stream(OpenRegularFile(FilePath));
     if (stream == nullptr) {
         return false;
     }
