@@ -237,13 +237,13 @@ private:
     static void LogSkipped(const std::string& zName, const char* zReason);
     static std::string DevicePathIn(const std::string& zFolder, const std::string& zName);
     int AskToOverwrite(bool zIsFolder, const std::string& zName);
-    static std::string AmountText(std::int64_t zDone, std::uint64_t zTotal);
+    static std::string AmountText(std::uint64_t zDone, std::uint64_t zTotal);
 
     // Download
     cDeviceDirList SelectedRecords() const;
     void DownloadInto(const std::string& zDestination, const cDeviceDirList& zList);
     bool ChooseDestination(std::string& zrDestination);
-    bool MeasureDownload(const cDeviceDirList& zrList, std::uint32_t& zrTotal);
+    bool MeasureDownload(const cDeviceDirList& zrList, std::uint64_t& zrTotal);
     void RefreshAfterTransfer(ModalSession& zrSession, const std::string& zPath);
     bool DownloadFilesRecurse(const std::string& zDestination, const cDeviceDirList& zrDeviceFileList,
                               sDownload& zrDownload);
@@ -271,7 +271,7 @@ private:
     void SendFiles(sUpload& zrUpload);
     bool UploadFile(const std::string& zPath, sUpload& zrUpload);
     void ShowConversions(cAudioConversion& zrRecord, sUpload& zrUpload);
-    void ShowUpload(const std::string& zName, float zDone, const sUpload& zUpload);
+    void ShowUpload(const std::string& zName, double zDone, const sUpload& zUpload);
     bool WaitForUpload(const std::string& zName, cAudioConversion& zrRecord, sUpload& zrUpload);
 
     // Delete and Create Folder

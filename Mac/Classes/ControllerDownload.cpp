@@ -28,13 +28,13 @@ std::string ErrorFor(const std::string& zName, const std::string& zReason) {
     return zName + " - " + Translated(zReason);
 }
 
-/// Modulo 2^32, like every total of a download.
-std::uint32_t Size(const tFileInfo& zInfo) {
-    return static_cast<std::uint32_t>(zInfo.mSize);
+/// A device may tell any size; none counts for less than nothing.
+std::uint64_t Size(const tFileInfo& zInfo) {
+    return static_cast<std::uint64_t>(std::max(zInfo.mSize, 0));
 }
 
-std::uint32_t ListingTotal(const cDeviceDirList& zList) {
-    std::uint32_t total = 0;
+std::uint64_t ListingTotal(const cDeviceDirList& zList) {
+    std::uint64_t total = 0;
     for (const tFileInfo& info : zList.mFile) {
         total += Size(info);
     }
@@ -45,16 +45,16 @@ std::uint32_t ListingTotal(const cDeviceDirList& zList) {
 
 struct Controller::sDownload {
     ModalSession* session;
-    std::uint32_t totalFileSize; ///< bytes of the whole download, 0 when unknown
+    std::uint64_t totalFileSize; ///< bytes of the whole download, 0 when unknown
     std::string errorStr = {};
-    std::uint32_t numBytesCopied = 0;
+    std::uint64_t numBytesCopied = 0;
     bool overwriteAll = false;
 };
 
 /// How far one listing of a download has come.
 struct Controller::sListingProgress {
-    std::uint32_t total; ///< bytes of the listing
-    std::uint32_t done = 0;
+    std::uint64_t total; ///< bytes of the listing
+    std::uint64_t done = 0;
 };
 
 // --- The button ---
@@ -131,7 +131,7 @@ std::string Controller::DownloadFiles(const std::string& zDestination,
     if (IsClientBusy()) {
         return Translated("Waiting for operation to finish"); // a cancelled one, whose reply is still due
     }
-    std::uint32_t total = 0;
+    std::uint64_t total = 0;
     if (!MeasureDownload(zrDeviceFileList, total)) {
         return {};
     }
@@ -151,19 +151,19 @@ std::string Controller::DownloadFiles(const std::string& zDestination,
 }
 
 /// False when people cancelled while the size of a folder was asked for.
-bool Controller::MeasureDownload(const cDeviceDirList& zrList, std::uint32_t& zrTotal) {
+bool Controller::MeasureDownload(const cDeviceDirList& zrList, std::uint64_t& zrTotal) {
     if (!mpSocket->SupportsDirRecurse()) {
         return true;
     }
     for (const tFileInfo& info : zrList.mFile) {
-        std::uint32_t size = info.mIsFolder ? 0 : Size(info);
+        std::uint32_t folderSize = 0;
         std::int32_t numFiles = 0;
         const bool asked =
-            info.mIsFolder && GetDirRecurseInfo(DevicePathIn(zrList.mDir, info.mName), size, numFiles);
+            info.mIsFolder && GetDirRecurseInfo(DevicePathIn(zrList.mDir, info.mName), folderSize, numFiles);
         if (asked && progressDlg->GetCancelled()) {
             return false;
         }
-        zrTotal += size;
+        zrTotal += info.mIsFolder ? folderSize : Size(info);
     }
     return true;
 }
@@ -298,13 +298,14 @@ bool Controller::WaitForDownload(const tFileInfo& zInfo, sListingProgress& zrPro
 }
 
 std::string Controller::AmountText(const tFileInfo& zInfo, float zFileProgress, const sDownload& zDownload) {
-    const auto current = static_cast<std::int64_t>(static_cast<float>(zInfo.mSize) * zFileProgress);
-    return AmountText(zDownload.numBytesCopied + current, zDownload.totalFileSize);
+    const double current = static_cast<double>(Size(zInfo)) * static_cast<double>(zFileProgress);
+    return AmountText(zDownload.numBytesCopied + static_cast<std::uint64_t>(current),
+                      zDownload.totalFileSize);
 }
 
 float Controller::DownloadPosition(const tFileInfo& zInfo, float zFileProgress,
                                    const sListingProgress& zProgress, const sDownload& zDownload) {
-    const float current = static_cast<float>(zInfo.mSize) * zFileProgress;
+    const float current = static_cast<float>(Size(zInfo)) * zFileProgress;
     if (zDownload.totalFileSize != 0) {
         return (static_cast<float>(zDownload.numBytesCopied) + current) /
                static_cast<float>(zDownload.totalFileSize);

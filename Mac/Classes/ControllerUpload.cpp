@@ -254,7 +254,7 @@ void Controller::ShowConversions(cAudioConversion& zrRecord, sUpload& zrUpload) 
     sincePump.start();
     zrRecord.progress = [this, &zrRecord, &zrUpload, sincePump](double) mutable {
         if (sincePump.hasExpired(kPumpMilliseconds)) {
-            ShowUpload(GetFileName(zrRecord.sourcePath), static_cast<float>(zrUpload.bytesDone), zrUpload);
+            ShowUpload(GetFileName(zrRecord.sourcePath), 0.0, zrUpload);
             zrUpload.session->RunOnce(); // shows the progress window when it is time
             RunLoop::RunSlice({}, [] { return false; });
             sincePump.restart();
@@ -263,18 +263,19 @@ void Controller::ShowConversions(cAudioConversion& zrRecord, sUpload& zrUpload) 
     };
 }
 
-/// What has its turn, and how many bytes of all are done.
-void Controller::ShowUpload(const std::string& zName, float zDone, const sUpload& zUpload) {
-    progressDlg->SetProgress(ExpandTemplate(zName), zDone / static_cast<float>(zUpload.total));
-    progressDlg->SetDetails(AmountText(static_cast<std::int64_t>(zDone), zUpload.total));
+/// What has its turn, and how many bytes of it are done.
+void Controller::ShowUpload(const std::string& zName, double zDone, const sUpload& zUpload) {
+    const double done = zDone + static_cast<double>(zUpload.bytesDone);
+    progressDlg->SetProgress(ExpandTemplate(zName),
+                             static_cast<float>(done) / static_cast<float>(zUpload.total));
+    progressDlg->SetDetails(AmountText(static_cast<std::uint64_t>(done), zUpload.total));
 }
 
 bool Controller::WaitForUpload(const std::string& zName, cAudioConversion& zrRecord, sUpload& zrUpload) {
     eReply reply = StillWaiting;
     while (reply == StillWaiting) {
-        const float done = static_cast<float>(zrRecord.outputSize) * mpSocket->GetProgress() +
-                           static_cast<float>(zrUpload.bytesDone);
-        ShowUpload(zName, done, zrUpload);
+        const auto progress = static_cast<double>(mpSocket->GetProgress());
+        ShowUpload(zName, progress * static_cast<double>(zrRecord.outputSize), zrUpload);
         reply = CheckForReply(zrUpload.session);
     }
     zrUpload.bytesDone += zrRecord.outputSize;

@@ -102,10 +102,13 @@ INSTANTIATE_TEST_SUITE_P(
         sDetails{"SmallTotal", "1.10", "1023", 100, {"50 bytes of 1023 bytes", "150 bytes of 1023 bytes"}},
         sDetails{"OldDevice", "1.09", "8192", 4096, {kHidden, kHidden}},
         sDetails{"UnknownTotal", "1.10", "0", 4096, {kHidden, kHidden}},
-        sDetails{"TotalTooSmall", "1.10", "1024", 4096, {"1.0 KiB of 1.0 KiB", "1.0 KiB of 1.0 KiB"}},
+        sDetails{"TotalTooSmall", "1.10", "4096", 4096, {"2.0 KiB of 4.0 KiB", kHidden}},
         sDetails{"TotalTooLarge", "1.10", "1048576", 4096, {"2.0 KiB of 1.0 MiB", "6.0 KiB of 1.0 MiB"}},
-        // In 32 bits -4096: nothing at first, and nearly 4 GiB when it is added to the total.
-        sDetails{"NegativeSizes", "1.10", "8192", 4294963200, {"0 bytes of 8.0 KiB", "8.0 KiB of 8.0 KiB"}},
+        sDetails{"NegativeSizes", "1.10", "8192", -4096, {"0 bytes of 8.0 KiB", "0 bytes of 8.0 KiB"}},
+        // In 32 bits -4096 as well.
+        sDetails{
+            "SizeBeyond31Bits", "1.10", "8192", 4294963200, {"0 bytes of 8.0 KiB", "0 bytes of 8.0 KiB"}},
+        sDetails{"HugeSizes", "1.10", "4294967295", 2147483647, {"1.0 GiB of 4.0 GiB", "3.0 GiB of 4.0 GiB"}},
         sDetails{"SizesNotListed", "1.10", "8192", 0, {"0 bytes of 8.0 KiB", "0 bytes of 8.0 KiB"}}),
     [](const auto& zInfo) { return std::string(zInfo.param.name); });
 

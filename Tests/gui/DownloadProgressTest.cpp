@@ -133,6 +133,22 @@ TEST_F(DownloadProgress, ASkippedFileLeavesTheBarShort) {
     EXPECT_LE(Position(), 500) << "half of the bytes have not come";
 }
 
+TEST_F(DownloadProgress, MoreThanFourGibibytesInAllAreCounted) {
+    const std::vector<sHalf> halves = {{"0.wav", 167}, {"1.wav", 500}, {"2.wav", 833}};
+    Meanwhile meanwhile;
+    for (const sHalf& half : halves) {
+        const std::string name = half.item;
+        mDevice.AddFile(name, std::string(1000, 'x'), "cd-", 2147483647);
+        AnswerPartly(name, std::string(1000, 'x'), 500);
+        meanwhile.When(
+            "half of " + name, [this, half] { return Shows(half.item, half.position); },
+            [this, name] { SendRest(name); });
+    }
+    Connect();
+    Download({"0.wav", "1.wav", "2.wav"});
+    EXPECT_TRUE(meanwhile.HasEnded());
+}
+
 TEST_F(DownloadProgress, TheWindowNamesItemAndDestination) {
     mDevice.AddFile("a.wav", "content");
     AnswerPartly("a.wav", "content", 3);
