@@ -1,6 +1,9 @@
 """Downloads with the real folder chooser and the overwrite prompt."""
 
 import os
+import random
+import signal
+import time
 
 import case
 from device import ScriptedDevice
@@ -116,6 +119,39 @@ class OverwriteTest(case.Case):
         wait_for(lambda: prompt.has_state("active"), "the prompt to have the focus")
         self.desktop.keys("Escape")
         self.expect_replaced("Set/1.dat")
+
+
+class KilledTest(case.Case):
+    """The program is killed while a file is on its way; then the next one downloads it."""
+    OLD = b"the old one " * 4_000_000
+    NEW = b"the new one, which is longer " * 2_000_000
+    LONGEST_LIFE = 0.2  # seconds, in which the file can arrive
+
+    def start_replacing(self, target):
+        """Begins to replace the file, and what another program left of it."""
+        quillbox = self.start()
+        quillbox.connect()
+        quillbox.start_download(["a.wav"], target)
+        for name in ("a.wav", "a.wav.tmp"):
+            if (target / name).exists():
+                exists = f"A file with the name '{target}/{name}' already exists."
+                wait_for(lambda: quillbox.window("Copy File").look_for("What exists").words == exists, exists)
+                quillbox.window("Copy File").find("Yes", "push button").press()
+        return quillbox
+
+    def test_leaves_the_old_file_or_the_new_one(self):
+        self.serve({"a.wav": self.NEW})
+        target = self.desktop.folder("target")
+        (target / "a.wav").write_bytes(self.OLD)
+        moments = random.Random(1)
+        for _ in range(6):
+            quillbox = self.start_replacing(target)
+            time.sleep(moments.uniform(0, self.LONGEST_LIFE))
+            quillbox.program.process.signal(signal.SIGKILL)
+            quillbox.program.process.wait()
+            self.assertTrue((target / "a.wav").read_bytes() in (self.OLD, self.NEW), "the file is mixed")
+        self.start_replacing(target).wait_for_end_of_transfer()
+        self.assert_same_files(target, {"a.wav": self.NEW})
 
 
 if __name__ == "__main__":
