@@ -37,7 +37,7 @@ std::string Escaped(std::string_view text) {
 }
 
 void PrintLine(const std::string& line) {
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
+    static_cast<void>(std::fwrite(line.data(), 1, line.size(), stdout));
+    static_cast<void>(std::fputc('\n', stdout));
+    static_cast<void>(std::fflush(stdout));
 }

@@ -21,7 +21,7 @@ constexpr int kStatusUsage = 2;
 /// Turns SIGINT and SIGTERM into a readable descriptor, so that the event loop and not a signal handler
 /// ends the program. A closed log is no reason to end.
 int WatchSignals() {
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     sigset_t ending;
     sigemptyset(&ending);
     sigaddset(&ending, SIGINT);
@@ -31,7 +31,7 @@ int WatchSignals() {
 }
 
 int Complain(const std::string& message, int status) {
-    std::fputs(("quillbox-device: " + message + '\n').c_str(), stderr);
+    static_cast<void>(std::fputs(("quillbox-device: " + message + '\n').c_str(), stderr));
     return status;
 }
 
@@ -59,7 +59,7 @@ int Run(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const Options options = ReadOptions(QCoreApplication::arguments());
     if (options.helpWanted) {
-        std::fputs(options.message.c_str(), stdout);
+        static_cast<void>(std::fputs(options.message.c_str(), stdout));
         return 0;
     }
     if (!options.message.empty()) {

@@ -9,7 +9,7 @@
 
 int main(int argc, char** argv) {
     // A log that nobody reads any more is no reason to end.
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     const QApplication application(argc, argv);
     QApplication::setApplicationName("Quillbox");
     QApplication::setApplicationVersion(QUILLBOX_VERSION);

@@ -2,6 +2,8 @@
 #include "CommonUtils.h"
 #include "CommonUtils_OSX.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <new>
@@ -46,7 +48,7 @@ std::uint32_t ReadLittleEndian(const char* zpBytes) {
 } // namespace
 
 void cClientProtocol::sFileCloser::operator()(std::FILE* zpFile) const {
-    std::fclose(zpFile);
+    static_cast<void>(std::fclose(zpFile));
 }
 
 std::string cClientProtocol::Download(const std::string& zLocalPath, const std::string& zDeviceDir,
@@ -93,7 +95,7 @@ std::string cClientProtocol::Upload(const std::string& zLocalPath, const std::st
 
 /// Reads mpFile whole into mpSendBuffer; returns the reason where that is not possible.
 std::string cClientProtocol::ReadUploadFile() {
-    std::fseek(mpFile.get(), 0, SEEK_END);
+    static_cast<void>(std::fseek(mpFile.get(), 0, SEEK_END));
     const long size = std::ftell(mpFile.get());
     std::rewind(mpFile.get());
     if (size < 0) {
@@ -185,9 +187,7 @@ bool cClientProtocol::FinishFile(bool zFailed) {
     return false;
 }
 
+/// Only what is no folder: people may have put one there meanwhile.
 void cClientProtocol::RemoveTempFile() const {
-    // The helper guards short paths, since it takes folders as well; this path is always a file of our own.
-    if (!DeleteLocalFile(mTempFileName)) {
-        std::remove(mTempFileName.c_str());
-    }
+    ::unlink(mTempFileName.c_str());
 }

@@ -1,10 +1,13 @@
 #include "CommonUtils.h"
 
+#include "CommonUtils_OSX.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -63,6 +66,8 @@ std::string GetExtension(const std::string& zPath) {
     return zPath.substr(mark + 1);
 }
 
+// Both take arguments as the C library does; the compiler checks them by the format.
+// NOLINTNEXTLINE(cert-dcl50-cpp)
 std::string FormatString(const char* zFormat, ...) {
     if (zFormat == nullptr) {
         return {};
@@ -86,6 +91,7 @@ std::string ExpandTemplate(const std::string& zTemplate) {
     return text;
 }
 
+// NOLINTNEXTLINE(cert-dcl50-cpp)
 void DebugPrintf(const char* zFormat, ...) {
     static std::array<char, kDebugBufferSize> buffer;
     if (zFormat == nullptr) {
@@ -94,7 +100,7 @@ void DebugPrintf(const char* zFormat, ...) {
     buffer.back() = '\0';
     std::va_list arguments;
     va_start(arguments, zFormat);
-    std::vsnprintf(buffer.data(), buffer.size(), zFormat, arguments);
+    static_cast<void>(std::vsnprintf(buffer.data(), buffer.size(), zFormat, arguments));
     va_end(arguments);
     // The last byte is the guard: a formatter that ends every text within the buffer leaves it 0.
     if (buffer.back() != '\0') {
@@ -105,20 +111,44 @@ void DebugPrintf(const char* zFormat, ...) {
 }
 
 void DebugPrint(const std::string& zText) {
-    std::fprintf(stdout, "%s", zText.c_str());
+    static_cast<void>(std::fprintf(stdout, "%s", zText.c_str()));
     // Standard output may be a pipe, in which a diagnostic should not wait for company.
-    std::fflush(stdout);
+    static_cast<void>(std::fflush(stdout));
 }
 
-std::string OneLogLine(std::string zText) {
-    const auto isControl = [](char byte) { return (byte >= 0 && byte < ' ') || byte == '\x7f'; };
-    zText.resize(std::min(zText.size(), kMaxFormattedLength));
-    std::ranges::replace_if(zText, isControl, '?');
-    return zText;
+std::string OneLogLine(std::string zText, std::size_t zLongest) {
+    zText.resize(std::min(zText.size(), zLongest));
+    zText = MakeValidUtf8(zText);
+    std::string line;
+    for (std::size_t i = 0; i < zText.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(zText[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < zText.size() ? zText[i + 1] : 0);
+        // Of two bytes are those that begin a command to the terminal in one character.
+        const bool isLongControl = byte == 0xC2 && next >= 0x80 && next < 0xA0;
+        const bool isControl = byte < 0x20 || byte == 0x7F || isLongControl;
+        line += isControl ? '?' : zText[i];
+        i += isLongControl ? 1 : 0;
+    }
+    return line;
+}
+
+std::string Abbreviated(std::string zText) {
+    constexpr const char* kEllipsis = "\u2026";
+    if (zText.size() <= kMaxFormattedLength) {
+        return zText;
+    }
+    const auto isInsideCharacter = [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+    };
+    std::size_t end = kMaxFormattedLength - std::strlen(kEllipsis);
+    while (end > 0 && isInsideCharacter(zText[end])) {
+        --end;
+    }
+    return zText.replace(end, std::string::npos, kEllipsis);
 }
 
 void AssertFail(const char* zFormat, const char* zFile, unsigned zLine, const char* zCondition) {
-    std::fprintf(stderr, zFormat, zFile, zLine, zCondition);
-    std::fflush(stderr);
+    static_cast<void>(std::fprintf(stderr, zFormat, zFile, zLine, zCondition));
+    static_cast<void>(std::fflush(stderr));
     std::abort();
 }

@@ -35,9 +35,13 @@ void DebugPrintf(const char* zFormat, ...) __attribute__((format(printf, 1, 2)))
 /// Writes one text to standard output as it stands.
 void DebugPrint(const std::string& zText);
 
-/// A text from outside, fit for one log line: control characters are "?", and at most
-/// kMaxFormattedLength bytes are left.
-std::string OneLogLine(std::string zText);
+/// A text from outside, fit for one log line: at most zLongest bytes of it, with "?" for control characters
+/// and U+FFFD for what is no UTF-8.
+std::string OneLogLine(std::string zText, std::size_t zLongest = kMaxFormattedLength);
+
+/// A text from outside that people can read: of more than kMaxFormattedLength bytes only the begin is left,
+/// in whole characters, with an ellipsis.
+std::string Abbreviated(std::string zText);
 
 inline constexpr const char* kAssertFormat = "%s:%u: failed assertion `%s'\n";
 

@@ -161,10 +161,10 @@ struct sFolderEntry {
 
 /// The entries of one folder. The folder is closed again before anyone goes deeper, so that the depth of a
 /// tree is not limited by the number of open files.
-std::vector<sFolderEntry> ListFolder(const std::string& zPath) {
+std::vector<sFolderEntry> ListFolder(const std::string& zPath, const std::function<bool()>& zMayGoOn) {
     std::vector<sFolderEntry> entries;
     cDirIterator iterator(zPath);
-    for (bool found = iterator.First(); found; found = iterator.Next()) {
+    for (bool found = iterator.First(); found && zMayGoOn(); found = iterator.Next()) {
         sFolderEntry entry{iterator.GetName(), iterator.IsFolder()};
         if (!IsSelfOrParent(entry.name)) {
             entries.push_back(std::move(entry));
@@ -179,8 +179,8 @@ void GetLocalFileList(std::string& zrPath, std::vector<std::string>& zrFiles, st
                       const std::function<bool()>& zMayGoOn) {
     // The recursion ends at the latest where the system refuses a path as too long (4096 bytes).
     const std::size_t length = zrPath.size();
-    for (const sFolderEntry& entry : ListFolder(zrPath)) {
-        if (zMayGoOn && !zMayGoOn()) {
+    for (const sFolderEntry& entry : ListFolder(zrPath, zMayGoOn)) {
+        if (!zMayGoOn()) {
             return;
         }
         // Not AddTrailingSeparator: a backslash at the end belongs to the name of a local folder.

@@ -41,8 +41,9 @@ private:
 /// Appends the full path of every file under zrPath, at any depth, to zrFiles and adds their sizes to
 /// zrTotal (bytes). zrPath serves as work buffer and comes back unchanged. zMayGoOn, asked before each entry,
 /// says false to stop there.
-void GetLocalFileList(std::string& zrPath, std::vector<std::string>& zrFiles, std::uint64_t& zrTotal,
-                      const std::function<bool()>& zMayGoOn = {});
+void GetLocalFileList(
+    std::string& zrPath, std::vector<std::string>& zrFiles, std::uint64_t& zrTotal,
+    const std::function<bool()>& zMayGoOn = [] { return true; });
 
 /// Whether the path can be opened for reading; true for folders as well.
 bool FileExists(const std::string& zPath);

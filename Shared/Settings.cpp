@@ -38,7 +38,7 @@ constexpr std::ptrdiff_t kMostTagsAndAttributes = 4096;
 constexpr std::size_t kLongestText = 1023;
 
 struct sCloseFile {
-    void operator()(std::FILE* zpStream) const { std::fclose(zpStream); }
+    void operator()(std::FILE* zpStream) const { static_cast<void>(std::fclose(zpStream)); }
 };
 
 using tStream = std::unique_ptr<std::FILE, sCloseFile>;
@@ -145,7 +145,7 @@ bool cSettings::Save() const {
     if (written && closed && RenameFile(temporary, path)) {
         return true;
     }
-    std::remove(temporary.c_str());
+    static_cast<void>(std::remove(temporary.c_str()));
     return false;
 }
 

@@ -71,14 +71,14 @@ void WriteAll(const fs::path& folder, const std::vector<SampleFile>& files) {
 
 int main(int argc, char** argv) {
     if (argc != 2) {
-        std::fputs("usage: make-sample-folder DIR\n", stderr);
+        static_cast<void>(std::fputs("usage: make-sample-folder DIR\n", stderr));
         return 2;
     }
     try {
         WriteAll(argv[1], Sounds());
         WriteAll(argv[1], Texts());
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "make-sample-folder: %s\n", error.what());
+        static_cast<void>(std::fprintf(stderr, "make-sample-folder: %s\n", error.what()));
         return 1;
     }
     return 0;

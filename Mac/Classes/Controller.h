@@ -12,6 +12,8 @@
 #include "SocketClientProtocol.h"
 #include "TableModel.h"
 
+#include <QtCore/QElapsedTimer>
+
 #include <functional>
 #include <memory>
 #include <optional>
@@ -232,6 +234,7 @@ private:
 
     // Transfers
     bool MayGoOn(std::string& zrErrorText);
+    bool LetWindowLive(ModalSession& zrSession);
     static bool EndsTheCommand(const std::string& zName);
     static bool IsPlainEntryName(const std::string& zName);
     static void LogSkipped(const std::string& zName, const char* zReason);
@@ -249,6 +252,8 @@ private:
                               sDownload& zrDownload);
     bool DownloadFolder(const std::string& zDestination, const std::string& zDeviceDir,
                         const cClientProtocol::cDeviceFileInfo& zInfo, sDownload& zrDownload);
+    bool DownloadListing(const std::string& zDestination, const cDeviceDirList& zList,
+                         const std::string& zName, sDownload& zrDownload);
     bool DownloadFile(const std::string& zDestination, const std::string& zDeviceDir,
                       const cClientProtocol::cDeviceFileInfo& zInfo, sListingProgress& zrProgress,
                       sDownload& zrDownload);
@@ -267,7 +272,7 @@ private:
     void UploadIntoShownFolder(const std::vector<std::string>& zPaths);
     bool DecideUploads(const std::vector<std::string>& zPaths, sUpload& zrUpload);
     int AskForUpload(const std::string& zPath, sUpload& zrUpload);
-    std::function<bool()> WhileCollecting();
+    bool CollectFolder(std::string zPath, sUpload& zrUpload);
     void SendFiles(sUpload& zrUpload);
     bool UploadFile(const std::string& zPath, sUpload& zrUpload);
     void ShowConversions(cAudioConversion& zrRecord, sUpload& zrUpload);
@@ -316,6 +321,7 @@ private:
     std::int32_t mShownRights = kRightReadOnly;
     /// Whether the client's failure text is news; false once it has ended a connection attempt.
     bool mClientFailureCounts = false;
+    QElapsedTimer mSinceWindowLived;
     bool mPerforming = false;
     bool mTerminating = false;
 };

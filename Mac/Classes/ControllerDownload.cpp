@@ -15,6 +15,9 @@
 
 namespace {
 
+/// A device can fill each listing and nest folders; all those that are open at a time take memory.
+constexpr std::size_t kMostOpenEntries = 1'000'000;
+
 using tFileInfo = cClientProtocol::cDeviceFileInfo;
 using eCommand = cClientProtocol::eCommand;
 
@@ -25,7 +28,13 @@ std::string LocalPathIn(const std::string& zFolder, const std::string& zName) {
 }
 
 std::string ErrorFor(const std::string& zName, const std::string& zReason) {
-    return zName + " - " + Translated(zReason);
+    return Abbreviated(zName) + " - " + Translated(zReason);
+}
+
+/// People's link to a folder may lead anywhere, and a device must not choose to follow it.
+bool IsLink(const std::string& zPath) {
+    std::error_code ignored;
+    return std::filesystem::is_symlink(std::filesystem::symlink_status(zPath, ignored));
 }
 
 /// A device may tell any size; none counts for less than nothing.
@@ -49,6 +58,7 @@ struct Controller::sDownload {
     std::string errorStr = {};
     std::uint64_t numBytesCopied = 0;
     bool overwriteAll = false;
+    std::size_t numOpenEntries = 0; ///< of the folders around the present one
 };
 
 /// How far one listing of a download has come.
@@ -188,6 +198,7 @@ bool Controller::DownloadFilesRecurse(const std::string& zDestination, const cDe
         }
         if (!IsPlainEntryName(info.mName)) {
             LogSkipped(info.mName, "not a file name");
+            LetWindowLive(*zrDownload.session);
             continue;
         }
         const bool goOn = info.mIsFolder
@@ -208,16 +219,32 @@ bool Controller::DownloadFolder(const std::string& zDestination, const std::stri
         zrDownload.errorStr = ErrorFor(zInfo.mName, "Path too long");
         return false;
     }
+    if (IsLink(localPath)) {
+        zrDownload.errorStr = ErrorFor(zInfo.mName, "Could not open file");
+        return false;
+    }
     MakeFolder(localPath); // leaves alone, unopened, what is there already
     cDeviceDirList list;
     if (GetDirectoryContents(zrDownload.session, devicePath, &list)) {
-        return DownloadFilesRecurse(localPath, list, zrDownload);
+        return DownloadListing(localPath, list, zInfo.mName, zrDownload);
     }
     if (!MayGoOn(zrDownload.errorStr)) {
         return false;
     }
     LogSkipped(devicePath, "the folder cannot be listed");
     return true;
+}
+
+bool Controller::DownloadListing(const std::string& zDestination, const cDeviceDirList& zList,
+                                 const std::string& zName, sDownload& zrDownload) {
+    zrDownload.numOpenEntries += zList.mFile.size();
+    if (zrDownload.numOpenEntries > kMostOpenEntries) {
+        zrDownload.errorStr = ErrorFor(zName, "Too many files");
+        return false;
+    }
+    const bool walked = DownloadFilesRecurse(zDestination, zList, zrDownload);
+    zrDownload.numOpenEntries -= zList.mFile.size();
+    return walked;
 }
 
 bool Controller::DownloadFile(const std::string& zDestination, const std::string& zDeviceDir,

@@ -77,13 +77,14 @@ void Controller::OnDeleteButton() {
 }
 
 std::string Controller::DeleteQuestion(const std::vector<int>& zRows) const {
-    const char* const device = mDeviceName.c_str();
+    const std::string device = Abbreviated(mDeviceName);
     const char* const folder = mCurrentDirList.mDir.c_str();
     if (zRows.size() > 1) {
-        return Filled(kDeleteFiles, static_cast<int>(zRows.size()), device, folder);
+        return Filled(kDeleteFiles, static_cast<int>(zRows.size()), device.c_str(), folder);
     }
     const tFileInfo* const info = RecordAt(zRows.front());
-    return Filled(info != nullptr && info->mIsFolder ? kDeleteFolder : kDeleteFile, device, folder);
+    const bool isFolder = info != nullptr && info->mIsFolder;
+    return Filled(isFolder ? kDeleteFolder : kDeleteFile, device.c_str(), folder);
 }
 
 /// A device that refuses one item, and people who will not wait for one, do not keep the others from being
@@ -102,7 +103,7 @@ std::string Controller::DeleteRows(const std::vector<int>& zRows) {
         }
         const std::string path = DevicePathIn(mCurrentDirList.mDir, info->mName);
         if (!mpSocket->CommandFits(eCommand::kDelete, path)) {
-            errorText = info->mName + " - " + Translated("Path too long");
+            errorText = Abbreviated(info->mName) + " - " + Translated("Path too long");
             continue;
         }
         mpSocket->Delete(path);

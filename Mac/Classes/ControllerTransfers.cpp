@@ -2,6 +2,7 @@
 
 #include "CommonUtils.h"
 #include "CopyFolderController.h"
+#include "RunLoop.h"
 #include "WidgetText.h"
 
 #include <QtCore/QCoreApplication>
@@ -17,6 +18,19 @@ bool Controller::MayGoOn(std::string& zrErrorText) {
         zrErrorText = LostTransferText();
         return false;
     }
+    return true;
+}
+
+/// Gives people's clicks and the window their turn now and then, in work that does not wait for anything.
+/// Returns whether it was time to.
+bool Controller::LetWindowLive(ModalSession& zrSession) {
+    constexpr int kMilliseconds = 20;
+    if (mSinceWindowLived.isValid() && !mSinceWindowLived.hasExpired(kMilliseconds)) {
+        return false;
+    }
+    zrSession.RunOnce(); // shows the progress window when it is time
+    RunLoop::RunSlice({}, [] { return false; });
+    mSinceWindowLived.start();
     return true;
 }
 

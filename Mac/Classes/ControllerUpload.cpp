@@ -5,12 +5,10 @@
 #include "CommonUtils.h"
 #include "CommonUtils_OSX.h"
 #include "CopyFolderController.h"
-#include "RunLoop.h"
 #include "Settings.h"
 #include "WidgetText.h"
 
 #include <QtCore/QDir>
-#include <QtCore/QElapsedTimer>
 
 #include <algorithm>
 #include <map>
@@ -22,9 +20,6 @@ using tFileInfo = cClientProtocol::cDeviceFileInfo;
 
 constexpr std::size_t kLongestRoot = 1024;
 constexpr int kLongestComparedName = 24;
-
-/// How long a conversion goes on before people's clicks and the window have their turn.
-constexpr int kPumpMilliseconds = 20;
 
 std::string NameForDevice(const std::string& zName) {
     std::string name;
@@ -170,8 +165,9 @@ bool Controller::DecideUploads(const std::vector<std::string>& zPaths, sUpload& 
             continue;
         }
         if (IsFolder(path)) {
-            std::string folder = path;
-            GetLocalFileList(folder, zrUpload.sendList, zrUpload.total, WhileCollecting());
+            if (!CollectFolder(path, zrUpload)) {
+                return false;
+            }
         } else {
             zrUpload.sendList.push_back(path);
             zrUpload.total += GetFileSize(path);
@@ -197,17 +193,16 @@ int Controller::AskForUpload(const std::string& zPath, sUpload& zrUpload) {
     return answer;
 }
 
-/// Keeps the window alive while the files of a large folder are looked up.
-std::function<bool()> Controller::WhileCollecting() {
-    QElapsedTimer sincePump;
-    sincePump.start();
-    return [this, sincePump]() mutable {
-        if (sincePump.hasExpired(kPumpMilliseconds)) {
-            RunLoop::RunSlice({}, [] { return false; });
-            sincePump.restart();
-        }
-        return IsConnected();
-    };
+/// False when people cancel, which they may want in a large folder.
+bool Controller::CollectFolder(std::string zPath, sUpload& zrUpload) {
+    const auto session = InitProgressDialogue(Translated("Reading Folder Contents"));
+    GetLocalFileList(zPath, zrUpload.sendList, zrUpload.total, [&] {
+        LetWindowLive(*session);
+        return IsConnected() && !progressDlg->GetCancelled();
+    });
+    const bool cancelled = progressDlg->GetCancelled();
+    CloseProgress(*session);
+    return !cancelled;
 }
 
 void Controller::SendFiles(sUpload& zrUpload) {
@@ -250,14 +245,9 @@ bool Controller::UploadFile(const std::string& zPath, sUpload& zrUpload) {
 
 /// Keeps the window alive while a file is converted, and lets people cancel that.
 void Controller::ShowConversions(cAudioConversion& zrRecord, sUpload& zrUpload) {
-    QElapsedTimer sincePump;
-    sincePump.start();
-    zrRecord.progress = [this, &zrRecord, &zrUpload, sincePump](double) mutable {
-        if (sincePump.hasExpired(kPumpMilliseconds)) {
+    zrRecord.progress = [this, &zrRecord, &zrUpload](double) {
+        if (LetWindowLive(*zrUpload.session)) {
             ShowUpload(GetFileName(zrRecord.sourcePath), 0.0, zrUpload);
-            zrUpload.session->RunOnce(); // shows the progress window when it is time
-            RunLoop::RunSlice({}, [] { return false; });
-            sincePump.restart();
         }
         return MayGoOn(zrUpload.errorText);
     };

@@ -208,7 +208,7 @@ void SelectController::ReloadList(int zSelectedRow) {
 void SelectController::AddRow(int zRow) {
     const QString address = ToWidgetText(mListEntries[static_cast<std::size_t>(zRow)].address);
     const std::string name = tableViewObjectValueForTableColumn("", zRow).value_or("");
-    auto item = std::make_unique<QListWidgetItem>(ToWidgetText(name));
+    auto item = std::make_unique<QListWidgetItem>(ToWidgetText(Abbreviated(name)));
     item->setData(Qt::AccessibleDescriptionRole, address);
     item->setToolTip(PlainToolTip(address));
     tableView->addItem(item.release()); // the list owns its items

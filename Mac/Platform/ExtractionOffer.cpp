@@ -12,8 +12,8 @@ namespace {
 const QLatin1String kServiceFormat("application/x-kde-ark-dndextract-service");
 const QLatin1String kPathFormat("application/x-kde-ark-dndextract-path");
 
-/// Each drag has a path of its own, as the target of the one before may still be asking. Only who reads the
-/// drag's data is to know it: whoever calls it names the folder.
+/// Each drag has a path of its own, as the target of the one before may still be asking. It is not secret:
+/// programs of the same session can list the objects on their bus, and are trusted as much as the target.
 QString NextObjectPath() {
     return QStringLiteral("/drag/") + QUuid::createUuid().toString(QUuid::Id128);
 }

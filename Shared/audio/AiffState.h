@@ -19,5 +19,6 @@ struct sAiffState {
 
 /// Throws the message as it is, a text that lives as long as the program.
 [[noreturn]] inline void FailAiff(const char* zpMessage) {
-    throw zpMessage; // NOLINT(misc-throw-by-value-catch-by-reference): callers are promised a constant text
+    throw zpMessage; // NOLINT(cert-err*,misc-throw-by-value-catch-by-reference): callers are promised a
+                     // constant text
 }

@@ -146,7 +146,7 @@ void cAudioConversion::DeleteTempFile() {
     if (!converted || outputPath.empty()) {
         return;
     }
-    DebugPrintf("Deleting temp file %s\n", outputPath.c_str());
+    DebugPrintf("Deleting temp file %s\n", OneLogLine(outputPath, outputPath.size()).c_str());
     DeleteLocalFile(outputPath);
     outputPath.clear();
     converted = false;
@@ -167,8 +167,8 @@ bool cAudioConversion::ConvertWithSndfile(const std::string* zpOutputFolder) {
 
 bool cAudioConversion::CopyWithSndfile(std::FILE* zpSource, const std::string* zpOutputFolder) {
     cSndfileStream decoder;
-    if (!decoder.OpenRead(zpSource)) {
-        return Refuse("'" + sourcePath + "' - couldn't open as an audio file.");
+    if (!decoder.OpenRead(zpSource, [this] { return MayGoOn(0.0); })) {
+        return !cancelled && Refuse("'" + sourcePath + "' - couldn't open as an audio file.");
     }
     if (decoder.GetChannels() > kMostChannels) {
         return Refuse("'" + sourcePath + "' - too many channels.");

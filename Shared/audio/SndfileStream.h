@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 
 /// A sound file that libsndfile decodes from, or encodes into, a C stream. The stream stays the caller's and
@@ -17,8 +18,9 @@ public:
     cSndfileStream(const cSndfileStream&) = delete;
     cSndfileStream& operator=(const cSndfileStream&) = delete;
 
-    /// Opens a sound file of any format that libsndfile reads. False when it is none.
-    bool OpenRead(std::FILE* zpFile);
+    /// Opens a sound file of any format that libsndfile reads. False when it is none, or when zMayGoOn, asked
+    /// now and then while a long header is read, says so: a header may be as long as the file.
+    bool OpenRead(std::FILE* zpFile, std::function<bool()> zMayGoOn = {});
 
     /// Starts a WAV file of 16-bit samples. False when that cannot be done.
     bool OpenWrite(std::FILE* zpFile, int zSampleRate, int zChannels);

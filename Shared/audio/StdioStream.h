@@ -4,7 +4,7 @@
 #include <memory>
 
 struct sStdioCloser {
-    void operator()(std::FILE* zpFile) const { std::fclose(zpFile); }
+    void operator()(std::FILE* zpFile) const { static_cast<void>(std::fclose(zpFile)); }
 };
 
 /// A C stream with one owner, closed with it.

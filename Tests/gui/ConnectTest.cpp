@@ -241,6 +241,48 @@ TEST_F(Connecting, ADeviceMayHangUpWhileNothingHappens) {
     ExpectWorks();
 }
 
+TEST_F(Connecting, ADeviceMayHangUpAtEveryByteOfItsWelcome) {
+    const std::string welcome = mDevice.mWelcome;
+    for (std::size_t length = 0; length < welcome.size(); ++length) {
+        SCOPED_TRACE(length);
+        mDevice.mWelcome = welcome.substr(0, length);
+        Meanwhile meanwhile;
+        meanwhile.When(
+            "a connection", [&] { return mDevice.HasConnection(); }, [&] { mDevice.DropConnection(); });
+        EXPECT_FALSE(ConnectTo(mDevice));
+        ExpectDisconnected("Connection has been closed");
+    }
+    ExpectWorks();
+}
+
+TEST_F(Connecting, ADeviceMayHangUpAtEveryByteOfItsListing) {
+    mDevice.AddFile("a.wav");
+    const std::string listing = mDevice.DirReply("");
+    for (std::size_t length = 0; length < listing.size(); ++length) {
+        SCOPED_TRACE(length);
+        mDevice.mOnCommand = [&, length](const std::string& /*zCommand*/) {
+            Soon([&] { mDevice.DropConnection(); });
+            return listing.substr(0, length);
+        };
+        EXPECT_FALSE(ConnectTo(mDevice));
+        ExpectDisconnected(kHint);
+    }
+    ExpectWorks();
+}
+
+TEST_F(Connecting, AListingOfAHundredThousandEntriesIsShown) {
+    std::string entries;
+    for (int number = 0; number < 100'000; ++number) {
+        entries += "<\"1\">";
+    }
+    AnswerListing("", "<dir> " + entries + "</dir>");
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_TRUE(ConnectTo(mDevice));
+    EXPECT_EQ(Table().model()->rowCount(), 100'000);
+    EXPECT_LT(timer.elapsed(), 20'000);
+}
+
 TEST_F(Connecting, ADeviceMayHangUpDuringAListing) {
     for (const sEndCase& row : kEnds) {
         SCOPED_TRACE(row.description);

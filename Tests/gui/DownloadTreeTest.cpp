@@ -291,6 +291,66 @@ TEST_F(DownloadTree, FoldersThatHoldThemselvesEndByTheLengthOfTheirPath) {
     EXPECT_THAT(RowNames(), ElementsAre("loop"));
 }
 
+TEST_F(DownloadTree, FullListingsInOneAnotherDoNotFillTheMemory) {
+    mDevice.AddFolder("f");
+    std::string entries = "<" + Item("f", "Dir", 1) + ">";
+    while (entries.size() < 510'000) {
+        entries += "<>";
+    }
+    mDevice.mOnCommand = [&entries](const std::string& zCommand) -> std::optional<std::string> {
+        const bool isInside = zCommand.starts_with("<cmd dir>") && zCommand.find("/f") != std::string::npos;
+        return isInside ? std::optional("<dir> Rights = \"cd-\" " + entries + "</dir>") : std::nullopt;
+    };
+    Connect();
+    Download({"f"});
+    EXPECT_THAT(mAlerts, ElementsAre(sAlert{kFailed, "f - Too many files"}));
+    EXPECT_LE(mDevice.CountOf("<cmd dir>"), 6);
+    EXPECT_THAT(RowNames(), ElementsAre("f"));
+}
+
+TEST_F(DownloadTree, ALinkInTheDestinationIsNotFollowed) {
+    mFolder.Write("elsewhere/kept.txt", "mine");
+    std::filesystem::create_directory(mFolder / "chosen");
+    std::filesystem::create_directory_symlink(mFolder / "elsewhere", mFolder / "chosen/f");
+    mDevice.AddFolder("f");
+    mDevice.AddFile("f/new.wav");
+    Connect();
+    mPanel.mAnswer = {mFolder / "chosen"};
+    Download({"f"});
+    EXPECT_THAT(mAlerts, ElementsAre(sAlert{kFailed, "f - Could not open file"}));
+    EXPECT_FALSE(std::filesystem::exists(mFolder / "elsewhere/new.wav"));
+    EXPECT_TRUE(std::filesystem::is_symlink(mFolder / "chosen/f"));
+    EXPECT_EQ(mDevice.CountOf("download"), 0);
+}
+
+TEST_F(DownloadTree, AnEndlessNameIsAbbreviatedInTheAlert) {
+    std::string name = "a ";
+    while (name.size() < 4000) {
+        name += "b ";
+    }
+    mDevice.AddFile(name);
+    Connect();
+    Download({name});
+    EXPECT_THAT(mAlerts, ElementsAre(sAlert{kFailed, name.substr(0, 252) + "\u2026 - Path too long"}));
+}
+
+TEST_F(DownloadTree, PeopleCanCancelWhileEntriesAreSkipped) {
+    mDevice.AddFolder("f");
+    std::string entries;
+    for (int number = 0; number < 250'000; ++number) {
+        entries += "<>";
+    }
+    AnswerTo(ScriptedDevice::DirCommand("f"), "<dir> Rights = \"cd-\" " + entries + "</dir>");
+    Connect();
+    Meanwhile meanwhile;
+    int turns = 0;
+    QTimer turn;
+    QObject::connect(&turn, &QTimer::timeout, &turn, [&turns] { ++turns; });
+    turn.start(0);
+    EXPECT_GT(SkippedBy({"f"}).size(), 200'000U);
+    EXPECT_GT(turns, 2);
+}
+
 // --- What cannot be fetched ---
 
 TEST_F(DownloadTree, NothingIsFetchedWhereAFolderHasTheName) {

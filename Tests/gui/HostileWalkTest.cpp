@@ -266,6 +266,7 @@ void HostileWalk::ExpectNoTraces() {
     // The program's own folder for temporary files is among them.
     EXPECT_THAT(Differences(TreeAround(Destination(), mHome), mAround), IsEmpty()) << "outside the folder";
     EXPECT_THAT(TemporaryFilesIn(Destination()), IsEmpty());
+    EXPECT_TRUE(fs::exists(Destination() + "/old.wav")) << "replaced or not, it is there";
     mArrived += static_cast<int>(std::distance(fs::directory_iterator(Destination()), {})) - 1;
 }
 

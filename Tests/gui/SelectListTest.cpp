@@ -330,6 +330,14 @@ TEST_F(SelectionList, TheAddressTellsDevicesOfOneNameApart) {
     EXPECT_EQ(mpDialog->GetIPAddressStr(), "10.0.0.8");
 }
 
+TEST_F(SelectionList, AnEndlessNameIsAbbreviated) {
+    mDevices.Add(std::string(9000, 'x'), "10.0.0.7");
+    Open();
+    EXPECT_EQ(List().item(0)->text().toStdString(), std::string(252, 'x') + "\u2026");
+    Press("OK");
+    EXPECT_EQ(mpDialog->GetIPAddressStr(), "10.0.0.7");
+}
+
 TEST_F(SelectionList, MarkupIsShownAsItIs) {
     mDevices.Add("<b>Studio</b>", "<b>10</b> &amp; <img src=x>");
     mDevices.Add("Stage", "fe80::1 & \"more\"");

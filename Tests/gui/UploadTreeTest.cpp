@@ -204,6 +204,22 @@ TEST_F(UploadTree, TheWindowLivesWhileALargeFolderIsLookedUp) {
     EXPECT_GT(turns, 0);
 }
 
+TEST_F(UploadTree, PeopleCanCancelWhileALargeFolderIsLookedUp) {
+    for (int number = 0; number < 20000; ++number) {
+        mFolder.Write("f/" + std::to_string(number), "x");
+    }
+    Connect();
+    Meanwhile meanwhile;
+    meanwhile.When(
+        "the look into the folder", [this] { return ProgressWindow().windowTitle() == kReading; },
+        [this] { Control<QPushButton>(ProgressWindow(), "Cancel").click(); });
+    EXPECT_EQ(mController.UploadFiles({mFolder / "f"}, ""), "");
+    EXPECT_TRUE(meanwhile.HasEnded());
+    EXPECT_THAT(Sent(), IsEmpty());
+    EXPECT_TRUE(mController.IsConnected());
+    ExpectUploads();
+}
+
 // --- What is not sent ---
 
 TEST_F(UploadTree, WhatCannotBeStartedIsPassedOver) {

@@ -69,6 +69,10 @@ struct StreamErrorCase {
     std::string expectedDescription;
 };
 
+void PrintTo(const StreamErrorCase& error, std::ostream* stream) {
+    *stream << error.expectedDomain << " " << error.code;
+}
+
 class StreamErrorTest : public ::testing::TestWithParam<StreamErrorCase> {};
 
 TEST_P(StreamErrorTest, BecomesAnErrorObject) {

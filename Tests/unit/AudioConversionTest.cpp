@@ -1,6 +1,8 @@
 #include "ConversionFixture.h"
 
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <sys/stat.h>
 
@@ -252,6 +254,39 @@ TEST_F(AudioConversion, LeavesTheFilesOfOthersAlone) {
     EXPECT_FALSE(std::filesystem::exists(InTempFolder("nowhere")));
 }
 
+/// Converts again and again; whether each result was its own.
+bool ConvertsBesideOthers(const std::string& path, const std::string& expected) {
+    for (int round = 0; round < 50; ++round) {
+        cAudioConversion conversion(path);
+        conversion.ConvertForUpload();
+        if (!conversion.converted || FileBytes(conversion.outputPath) != expected) {
+            return false;
+        }
+    }
+    return true;
+}
+
+TEST_F(AudioConversion, ProgramsThatConvertFilesOfOneTitleAtOnceDoNotMeet) {
+    std::vector<pid_t> programs;
+    for (const char letter : {'\1', '\2', '\3', '\4'}) {
+        const std::string sound = WaveBytes({1, 1, 44100, 16}, std::string(20'000, letter));
+        const std::string path = mFolder.Write(std::to_string(letter) + "/Song.wav", sound);
+        cAudioConversion alone(path);
+        alone.ConvertForUpload();
+        const std::string expected = FileBytes(alone.outputPath);
+        programs.push_back(::fork());
+        if (programs.back() == 0) {
+            ::_exit(ConvertsBesideOthers(path, expected) ? 0 : 1);
+        }
+    }
+    for (const pid_t program : programs) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(program, &status, 0), program);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_THAT(TempNames(), IsEmpty());
+}
+
 TEST_F(AudioConversion, CutsALongNameForAFreshOne) {
     const std::string title(250, 'x');
     std::ofstream(InTempFolder(title + ".wav")) << "theirs";
@@ -382,6 +417,23 @@ TEST_F(AudioConversion, CanBeStoppedAtAnyReport) {
             EXPECT_THAT(TempNames(), IsEmpty());
         }
     }
+}
+
+TEST_F(AudioConversion, CanBeStoppedInAHeaderWithoutEnd) {
+    std::string chunks;
+    for (int number = 0; number < 200'000; ++number) {
+        chunks += std::string("abcd\0\0\0\0", 8);
+    }
+    const std::string whole = WaveBytes({1, 1, 44100, 16}, std::string(8, '\0'));
+    const std::string path = mFolder.Write("a.wav", whole.substr(0, 12) + chunks + whole.substr(12));
+    int reports = 0;
+    cAudioConversion conversion(path);
+    conversion.progress = [&](double) { return ++reports < 3; };
+    EXPECT_TRUE(conversion.ConvertForUpload());
+    EXPECT_TRUE(conversion.cancelled);
+    EXPECT_EQ(reports, 3);
+    ExpectSentAsItIs(conversion, "a.wav", "");
+    EXPECT_THAT(TempNames(), IsEmpty());
 }
 
 TEST_F(AudioConversion, AStopHoldsForOneConversionOnly) {

@@ -321,6 +321,34 @@ TEST(Desktop, LeavesAllAsItIsWhereNoIntegerIs) {
     EXPECT_EQ(beyond, 9U);
 }
 
+TEST(OneLogLine, HoldsNothingThatATerminalObeys) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"plain \u00e9\u20ac", "plain \u00e9\u20ac"},
+        {"a\nb\r\x1b[2J\x07\x7f", "a?b??[2J??"},
+        {"\u009b2J \u0080\u009f\u00a0", "?2J ??\u00a0"},
+        {"\x9b"
+         "2J",
+         "\ufffd2J"},
+        {std::string("zero\0", 5), "zero?"},
+        {std::string(300, 'x'), std::string(255, 'x')},
+    };
+    for (const auto& [text, line] : cases) {
+        EXPECT_EQ(OneLogLine(text), line);
+    }
+    EXPECT_EQ(OneLogLine(std::string(300, 'x'), 300), std::string(300, 'x'));
+}
+
+TEST(Abbreviated, KeepsWholeCharactersAndSaysThatThereIsMore) {
+    EXPECT_EQ(Abbreviated(std::string(255, 'x')), std::string(255, 'x'));
+    EXPECT_EQ(Abbreviated(std::string(256, 'x')), std::string(252, 'x') + "\u2026");
+    std::string accents = "x";
+    for (int number = 0; number < 200; ++number) {
+        accents += "\u00e9";
+    }
+    EXPECT_EQ(Abbreviated(accents), accents.substr(0, 251) + "\u2026");
+    EXPECT_EQ(Abbreviated(std::string(300, '\x80')), "\u2026");
+}
+
 TEST(Desktop, BoxesNumbers) {
     EXPECT_EQ(std::any_cast<std::int32_t>(OSX10_x::numberWithInteger(-10240)), -10240);
 }

@@ -17,6 +17,10 @@ struct CommandCase {
     std::uint64_t length;
 };
 
+void PrintTo(const CommandCase& command, std::ostream* stream) {
+    *stream << command.text.size() << " bytes";
+}
+
 class EveryCommand : public ::testing::TestWithParam<CommandCase> {};
 
 TEST_P(EveryCommand, IsReadWhole) {

@@ -16,7 +16,7 @@
 namespace {
 
 constexpr int kKills = 200;
-constexpr int kLongestLife = 8000; // microseconds, in which a process stores a few files
+constexpr int kDownloadsInALife = 5;
 constexpr std::size_t kSize = 300'000;
 constexpr std::size_t kPiece = 1460;
 constexpr int kLetters = 26;
@@ -37,6 +37,13 @@ void DownloadVersion(const std::string& path, int number) {
     const std::string body = Version(number);
     client.Feed(LengthPrefix(static_cast<std::uint32_t>(body.size())));
     FeedInPieces(body, kPiece, [&client](std::string_view piece) { client.Feed(piece); });
+}
+
+int MicrosecondsOfADownload(const std::string& path) {
+    const auto begin = std::chrono::steady_clock::now();
+    DownloadVersion(path, 0);
+    const auto taken = std::chrono::steady_clock::now() - begin;
+    return static_cast<int>(std::chrono::duration_cast<std::chrono::microseconds>(taken).count());
 }
 
 /// Starts a process that downloads one version after the other until it is killed.
@@ -61,6 +68,7 @@ bool KillAfter(pid_t process, std::chrono::microseconds life) {
 TEST(KilledDownload, LeavesTheOldFileOrTheNewOneAtEveryMoment) {
     const TestFolder folder;
     const std::string path = folder.Write("a.wav", Version(0));
+    const int longestLife = kDownloadsInALife * MicrosecondsOfADownload(path);
     SeededChoice choice(1);
     int interrupted = 0;
     int replaced = 0;
@@ -68,7 +76,7 @@ TEST(KilledDownload, LeavesTheOldFileOrTheNewOneAtEveryMoment) {
         const std::string before = folder.Read("a.wav");
         const pid_t process = StartDownloads(path, kill);
         ASSERT_GT(process, 0);
-        ASSERT_TRUE(KillAfter(process, std::chrono::microseconds(choice.Between(0, kLongestLife))));
+        ASSERT_TRUE(KillAfter(process, std::chrono::microseconds(choice.Between(0, longestLife))));
         ASSERT_TRUE(IsWholeVersion(folder.Read("a.wav"))) << "after kill " << kill;
         interrupted += std::filesystem::exists(path + ".tmp") ? 1 : 0;
         replaced += folder.Read("a.wav") != before ? 1 : 0;

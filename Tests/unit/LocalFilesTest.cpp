@@ -23,6 +23,7 @@
 
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
 using ::testing::UnorderedElementsAre;
@@ -218,11 +219,24 @@ TEST(GetLocalFileList, StopsWhenItIsTold) {
     std::vector<std::string> files;
     std::uint64_t total = 0;
     std::string path = folder.Path().string();
-    int asked = 0;
-    GetLocalFileList(path, files, total, [&] { return ++asked <= 3; }); // a folder and its two files
+    GetLocalFileList(path, files, total, [&files] { return files.size() < 2; });
     EXPECT_THAT(files, SizeIs(2));
     EXPECT_EQ(total, 2U);
     EXPECT_EQ(path, folder.Path().string());
+}
+
+TEST(GetLocalFileList, StopsWithinOneFolder) {
+    const TestFolder folder;
+    for (int number = 0; number < 50; ++number) {
+        folder.Write(std::to_string(number), "x");
+    }
+    std::vector<std::string> files;
+    std::uint64_t total = 0;
+    std::string path = folder.Path().string();
+    int asked = 0;
+    GetLocalFileList(path, files, total, [&asked] { return ++asked < 10; });
+    EXPECT_THAT(files, IsEmpty());
+    EXPECT_LT(asked, 20);
 }
 
 TEST(GetLocalFileList, AddsToWhatIsThere) {

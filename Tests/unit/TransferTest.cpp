@@ -497,6 +497,14 @@ TEST_F(Download, OntoAFolderLeavesTheTemporary) {
     EXPECT_EQ(mFolder.Read("a.wav.tmp"), "abc");
 }
 
+TEST_F(Download, AFolderThatTookThePlaceOfTheTemporaryIsNotDeleted) {
+    StartDownload();
+    fs::remove(mFolder / "a.wav.tmp");
+    mFolder.Write("a.wav.tmp/precious", "mine");
+    mClient.Reset();
+    EXPECT_EQ(mFolder.Read("a.wav.tmp/precious"), "mine");
+}
+
 TEST_F(Download, FailedRenameKeepsTheOldFile) {
     mFolder.Write("a.wav", "the old file");
     StartDownload();
