@@ -19,6 +19,10 @@ struct SocketErrorCase {
     const char* description;
 };
 
+void PrintTo(const SocketErrorCase& c, std::ostream* stream) {
+    *stream << c.key;
+}
+
 class AsyncSocketErrorTest : public ::testing::TestWithParam<SocketErrorCase> {};
 
 TEST_P(AsyncSocketErrorTest, HasADomainACodeAndAText) {

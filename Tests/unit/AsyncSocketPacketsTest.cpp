@@ -59,6 +59,10 @@ struct SafeLengthCase {
     qsizetype expected;
 };
 
+void PrintTo(const SafeLengthCase& c, std::ostream* stream) {
+    *stream << "at most " << c.maxLength << ", safe " << c.expected;
+}
+
 class SafeLengthTest : public ::testing::TestWithParam<SafeLengthCase> {};
 
 TEST_P(SafeLengthTest, CannotRunPastTheTerminator) {
@@ -83,6 +87,10 @@ struct SearchCase {
     bool endsWith;
     qsizetype past;
 };
+
+void PrintTo(const SearchCase& c, std::ostream* stream) {
+    *stream << "new " << c.newCount << ", past " << c.past;
+}
 
 class TerminatorSearchTest : public ::testing::TestWithParam<SearchCase> {};
 

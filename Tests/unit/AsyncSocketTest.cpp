@@ -462,6 +462,10 @@ struct MisstepCase {
     const char* condition;
 };
 
+void PrintTo(const MisstepCase& c, std::ostream* stream) {
+    *stream << c.condition;
+}
+
 class AsyncSocketDeathTest : public ::testing::TestWithParam<MisstepCase> {};
 
 TEST_P(AsyncSocketDeathTest, StopsTheProgram) {

@@ -130,6 +130,10 @@ struct ForeignCase {
     std::size_t consumed;
 };
 
+void PrintTo(const ForeignCase& c, std::ostream* stream) {
+    *stream << c.bytes.size() << " bytes, " << c.consumed << " consumed";
+}
+
 class ForeignBytes : public ::testing::TestWithParam<ForeignCase> {};
 
 TEST_P(ForeignBytes, AreSkippedButForTheBeginningOfACommand) {

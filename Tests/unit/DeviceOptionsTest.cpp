@@ -96,6 +96,10 @@ struct BadCase {
     std::string complaint;
 };
 
+void PrintTo(const BadCase& c, std::ostream* stream) {
+    *stream << c.complaint.size() << " bytes of complaint";
+}
+
 class BadOptions : public DeviceOptions, public ::testing::WithParamInterface<BadCase> {};
 
 TEST_P(BadOptions, AreExplained) {

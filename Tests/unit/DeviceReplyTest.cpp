@@ -113,6 +113,10 @@ struct EscapeCase {
     std::string escaped;
 };
 
+void PrintTo(const EscapeCase& c, std::ostream* stream) {
+    *stream << c.text.size() << " bytes";
+}
+
 class LogText : public ::testing::TestWithParam<EscapeCase> {};
 
 TEST_P(LogText, StaysOnOneHarmlessLine) {

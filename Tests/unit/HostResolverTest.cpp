@@ -16,6 +16,10 @@ struct NumericCase {
     const char* expected;
 };
 
+void PrintTo(const NumericCase& c, std::ostream* stream) {
+    *stream << c.host;
+}
+
 class NumericHostTest : public ::testing::TestWithParam<NumericCase> {};
 
 TEST_P(NumericHostTest, NeedsNoResolver) {
