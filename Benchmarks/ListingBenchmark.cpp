@@ -23,11 +23,9 @@ public:
 std::string Listing(std::int64_t zEntries) {
     std::string text = "<dir>Rights = \"cd-\"\n";
     for (std::int64_t number = 0; number < zEntries; ++number) {
-        const std::string name = std::to_string(100'000 + number * 7919 % zEntries);
-        text +=
-            R"(<item Type = "File" Date = "2024-05-02 08:05" Size = "88244" Rights = "cd-" Name = "Field )"
-            "recording, harbour at night, " +
-            name + ".wav\">\n";
+        text += R"(<item Type = "File" Date = "2024-05-02 08:05" Size = "88244" Rights = "cd-" Name = )";
+        text += "\"Harbour recordings, night, " + std::to_string(100'000 + number * 7919 % zEntries) +
+                ".wav\">\n";
     }
     return text + "</dir>";
 }

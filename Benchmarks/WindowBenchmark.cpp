@@ -31,8 +31,8 @@ class LargeFolder {
 public:
     LargeFolder() {
         for (int number = 0; number < kEntries; ++number) {
-            const std::string name = "Field recording, harbour at night, " +
-                                     std::to_string(100'000 + number * 7919 % kEntries) + ".wav";
+            const std::string name =
+                "Harbour recordings, night, " + std::to_string(100'000 + number * 7919 % kEntries) + ".wav";
             std::ofstream(mFolder.filePath(QString::fromStdString(name)).toStdString()) << number;
         }
         mDevice.start(QUILLBOX_DEVICE, {"--root", mFolder.path(), "--address", "127.0.0.1"});

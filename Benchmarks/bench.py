@@ -145,8 +145,10 @@ def main():
     namespace.enter()
     signal.signal(signal.SIGTERM, stop_in_order)
     with Bench(chosen, chosen.build.resolve()) as bench:
-        bench.run()
-        write_results(bench, chosen.build.resolve())
+        try:
+            bench.run()
+        finally:  # what has been measured before a job failed is worth keeping
+            write_results(bench, chosen.build.resolve())
 
 
 if __name__ == "__main__":

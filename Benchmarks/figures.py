@@ -1,9 +1,9 @@
 """What is made of measured figures: medians, ratios, and whether they are what is required."""
 
+import functools
 import statistics
 from dataclasses import dataclass, field
 
-SHORTEST = 1e-6
 
 
 @dataclass
@@ -49,11 +49,22 @@ class Timings:
         return max(self.peak_kib[name])
 
     def job_alone(self, name):
-        """The median without start, login and end, for programs of which these were measured, too."""
-        return max(self.median(name) - self.session.get(name, 0.0), SHORTEST)
+        """The median without start, login and end, for programs of which these were measured, too; not above
+        zero where a job is lost in these."""
+        return self.median(name) - self.session.get(name, 0.0)
 
     def peers(self):
         return [name for name in self.seconds if name not in ("ours", "floor")]
+
+
+def comparable(compare):
+    """A comparison that says so where the other's job is too short for one."""
+    @functools.wraps(compare)
+    def compare_if_measured(timings, other, *limits):
+        if timings.job_alone(other) <= 0:
+            return Verdict(f"{other}: lost in its start and login")
+        return compare(timings, other, *limits)
+    return compare_if_measured
 
 
 def of_the_floor(timings, least):
@@ -62,17 +73,20 @@ def of_the_floor(timings, least):
     return Verdict(f"{ratio:.2f} of the floor's rate (at least {least})", ratio >= least)
 
 
+@comparable
 def ahead_of(timings, peer):
     ratio = timings.job_alone(peer) / timings.job_alone("ours")
     return Verdict(f"{ratio:.2f} times {peer}'s rate (ahead)", ratio > 1.0)
 
 
+@comparable
 def times_of(timings, peer, most):
     """The time of ours as a multiple of another's."""
     ratio = timings.job_alone("ours") / timings.job_alone(peer)
     return Verdict(f"{ratio:.2f} of {peer}'s time (at most {most})", ratio <= most)
 
 
+@comparable
 def beside(timings, peer):
     ratio = timings.job_alone(peer) / timings.job_alone("ours")
     return Verdict(f"{ratio:.2f} times {peer}'s rate (nothing required)")

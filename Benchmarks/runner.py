@@ -23,8 +23,8 @@ class Runner:
                             "XDG_RUNTIME_DIR": str(home), "TMPDIR": str(folder)}
 
     def printed_report(self, command):
-        """What a program that measures itself prints: its last line, as a dictionary."""
-        return json.loads(self.output(command).splitlines()[-1])
+        """What a program that measures itself prints, between lines of its log: a dictionary."""
+        return json.loads([line for line in self.output(command).splitlines() if line.startswith("{")][-1])
 
     def whole_report(self, command):
         """The same about a whole process, from its start to its end."""

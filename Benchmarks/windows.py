@@ -23,13 +23,18 @@ def benchmark_seconds(runner, program, wanted):
     timings = figures.Timings()
     for number in range(1, runner.rounds + 1):
         say(f"{program} {wanted}, round {number} of {runner.rounds}")
-        printed = runner.output([runner.programs / program, f"--benchmark_filter={wanted}",
-                                 "--benchmark_format=json", "--benchmark_min_time=0.2"])
-        for one in json.loads(printed)["benchmarks"]:
+        for one in one_round(runner, program, wanted):
             if one.get("error_occurred"):
                 raise RuntimeError(f"{one['name']}: {one['error_message']}")
             timings.add(one["name"], one["real_time"] / {"ms": 1e3, "s": 1.0}[one["time_unit"]], 0)
     return {name: timings.median(name) for name in timings.seconds}
+
+
+def one_round(runner, program, wanted):
+    report = runner.folder / "benchmarks.json"
+    runner.output([runner.programs / program, f"--benchmark_filter={wanted}", f"--benchmark_out={report}",
+                   "--benchmark_out_format=json", "--benchmark_min_time=0.2"])
+    return json.loads(report.read_text())["benchmarks"]
 
 
 # --- Listings ---
