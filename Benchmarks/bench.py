@@ -7,7 +7,9 @@ Everything runs in a network of its own; servers and folders go with the run.
 
 import argparse
 import contextlib
+import os
 import pathlib
+import re
 import shutil
 import signal
 import sys
@@ -122,10 +124,19 @@ def arguments():
     return chosen
 
 
-def write_results(bench, build):
+def machine():
+    """What the figures were measured on, in words."""
+    model = re.search(r"^model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text(), re.M)
+    total = int(re.search(r"^MemTotal:\s+(\d+)", pathlib.Path("/proc/meminfo").read_text(), re.M)[1])
+    return (f"{os.cpu_count()} processors{f' ({model[1]})' if model else ''}, {total / 2 ** 20:.0f} GiB of memory, "
+            f"Linux {os.uname().release}, load {os.getloadavg()[0]:.1f} before the run")
+
+
+def write_results(bench, build, machine_words):
     words = " ".join(["./bench", *sys.argv[1:]])
     print(table.terminal(bench.rows))
-    (build / "results.md").write_text(f"Made by `{words}`.\n\n{table.markdown(bench.rows)}", encoding="utf-8")
+    (build / "results.md").write_text(f"Made by `{words}` on {machine_words}. {table.summary(bench.rows)}.\n\n"
+                                      + table.markdown(bench.rows), encoding="utf-8")
     for name, drawing in bench.plots.items():
         (build / name).write_text(drawing, encoding="utf-8")
     print(table.summary(bench.rows))
@@ -144,11 +155,12 @@ def main():
         sys.exit("This takes user, network and mount namespaces, which this machine does not allow.")
     namespace.enter()
     signal.signal(signal.SIGTERM, stop_in_order)
+    machine_words = machine()
     with Bench(chosen, chosen.build.resolve()) as bench:
         try:
             bench.run()
         finally:  # what has been measured before a job failed is worth keeping
-            write_results(bench, chosen.build.resolve())
+            write_results(bench, chosen.build.resolve(), machine_words)
 
 
 if __name__ == "__main__":

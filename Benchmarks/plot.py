@@ -6,7 +6,7 @@ from xml.sax.saxutils import escape
 WIDTH, HEIGHT = 760, 460
 LEFT, RIGHT, TOP, BOTTOM = 80, 190, 46, 60
 COLOURS = (("#0b62a4", "#6cb6ff"), ("#b4460b", "#ff9e64"), ("#2c7a2c", "#7ee787"), ("#7b3fa0", "#d2a8ff"),
-           ("#8a6d00", "#e3c14a"), ("#b0175f", "#ff7eb6"))
+           ("#8a6d00", "#e3c14a"), ("#b0175f", "#ff7eb6"), ("#57606a", "#b1bac4"))
 
 STYLE = """text { font: 13px sans-serif; fill: #1f2328; } .title { font-size: 16px; }
 .frame, .grid { fill: none; stroke: #1f2328; } .grid { opacity: 0.15; }

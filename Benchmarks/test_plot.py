@@ -1,10 +1,15 @@
 """The plots: well-formed, labelled, and true to their figures."""
 
+import pathlib
 import re
+import sys
 import unittest
 import xml.etree.ElementTree as ElementTree
 
-import plot
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "Tests/support"))
+
+import plot  # noqa: E402
+from contenders import all_contenders  # noqa: E402
 
 SVG = "{http://www.w3.org/2000/svg}"
 LINES = {"ours": [(1, 0.001), (10, 0.01), (1000, 1.0)], "a < b": [(1, 0.01), (1000, 0.1)]}
@@ -52,6 +57,11 @@ class PlotTest(unittest.TestCase):
         for kind in ("text", "line0", "dot1"):
             pattern = rf"{kind} {{[^}}]*(?:fill|stroke): (#\w+)"
             self.assertNotEqual(re.search(pattern, light)[1], re.search(pattern, dark)[1])
+
+    def test_as_many_lines_as_take_part_have_colours_of_their_own(self):
+        names = [contender.name for contender in all_contenders(pathlib.Path("bin"), "key")]
+        drawing = plot.plot("t", "x", "y", {name: [(1, 1.0)] for name in names})
+        self.assertEqual(len(set(re.findall(r'polyline class="(\w+)"', drawing))), len(names))
 
     def test_nothing_to_draw_and_nothing_above_zero_are_refused(self):
         for lines in ({}, {"ours": []}, {"ours": [(0, 1.0)]}, {"ours": [(1, 0.0)]}):
