@@ -41,7 +41,10 @@ std::vector<std::string> NoPanel::Run(QWidget* /*zpParent*/, const sOpenPanelReq
 BenchmarkWindow::BenchmarkWindow() : mController(mWindow, mPanel) {
     mController.applicationDidFinishLaunching();
     mWindow.show();
-    QTimer::singleShot(0, &mWindow, [this] { AnswerSelection(mWindow); });
+    QTimer answer;
+    answer.setSingleShot(true);
+    QObject::connect(&answer, &QTimer::timeout, &mWindow, [this] { AnswerSelection(mWindow); });
+    answer.start(0); // when the dialog runs
     mController.OnConnectButton();
     if (!mController.IsConnected()) {
         throw std::runtime_error("no device answers at 127.0.0.1");

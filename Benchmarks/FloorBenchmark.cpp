@@ -31,7 +31,7 @@ namespace {
 constexpr char kUsage[] = "benchmark_floor download-file NAME SIZE FOLDER | download-folder NAME FOLDER |\n"
                           "                upload DEVICE_FOLDER PATH...";
 constexpr std::uint16_t kDevicePort = 10240;
-constexpr std::size_t kBufferSize = 256 * 1024;
+constexpr std::size_t kBufferSize = 262'144;
 
 using tWords = std::vector<std::string>;
 
@@ -152,11 +152,11 @@ void DownloadTree(Connection& zrConnection, const std::string& zDevicePath, cons
          begin = listing.find("<item", begin + 1)) {
         const std::string_view entry =
             std::string_view(listing).substr(begin, listing.find('>', begin) - begin);
-        const std::string name = Value(entry, "Name");
+        const std::string name = "/" + Value(entry, "Name");
         if (Value(entry, "Type") == "Dir") {
-            DownloadTree(zrConnection, zDevicePath + "/" + name, zLocalPath + "/" + name);
+            DownloadTree(zrConnection, zDevicePath + name, zLocalPath + name);
         } else {
-            zrConnection.Download(zDevicePath + "/" + name, zLocalPath + "/" + name);
+            zrConnection.Download(zDevicePath + name, zLocalPath + name);
         }
     }
 }
@@ -186,10 +186,11 @@ void UploadItem(Connection& zrConnection, const std::filesystem::path& zPath, co
         UploadFile(zrConnection, zPath.string(), zFolder + "/" + zPath.filename().string());
         return;
     }
+    const std::size_t rootLength = zPath.parent_path().string().size();
     for (const auto& entry : std::filesystem::recursive_directory_iterator(zPath)) {
         if (entry.is_regular_file()) {
-            const std::string below = entry.path().lexically_relative(zPath.parent_path()).string();
-            UploadFile(zrConnection, entry.path().string(), zFolder + "/" + below);
+            const std::string path = entry.path().string();
+            UploadFile(zrConnection, path, zFolder + path.substr(rootLength));
         }
     }
 }

@@ -63,7 +63,9 @@ void Idle(const tWords& zWords) {
     const BenchmarkWindow window;
     std::puts("idle");
     std::fflush(stdout);
-    QTimer::singleShot(std::chrono::seconds(std::stoi(zWords.at(1))), [] { QApplication::exit(); });
+    QTimer end;
+    QObject::connect(&end, &QTimer::timeout, &QApplication::quit);
+    end.start(std::chrono::seconds(std::stoi(zWords.at(1))));
     QApplication::exec();
 }
 

@@ -160,7 +160,8 @@ def main():
         try:
             bench.run()
         finally:  # what has been measured before a job failed is worth keeping
-            write_results(bench, chosen.build.resolve(), machine_words)
+            if bench.rows:
+                write_results(bench, chosen.build.resolve(), machine_words)
 
 
 if __name__ == "__main__":

@@ -45,14 +45,20 @@ class Runner:
     def in_turn(self, title, tries):
         """Timings of the functions in `tries`, by name. Each returns a report; all of them have their turn in
         each round before the next begins, so that what changes on the machine meets them alike."""
-        timings = figures.Timings()
-        for number in range(1, self.rounds + 1):
-            for name, attempt in tries.items():
-                report = attempt(first=number == 1)
+        timings = figures.Timings({name: [] for name in tries})
+        for number in range(self.rounds):
+            for name in rotated(list(tries), number):
+                report = tries[name](first=number == 0)
                 timings.add(name, report["seconds"], report.get("peak_kib", 0))
-            say(f"{title}, round {number} of {self.rounds}: "
+            say(f"{title}, round {number + 1} of {self.rounds}: "
                 + ", ".join(f"{name} {figures.duration(timings.seconds[name][-1])}" for name in tries))
         return timings
+
+
+def rotated(names, number):
+    """Each round begins with another: the first may find a machine that has to wake up."""
+    begin = number % len(names)
+    return names[begin:] + names[:begin]
 
 
 def say(text):

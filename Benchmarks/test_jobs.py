@@ -9,6 +9,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "Tests/supp
 
 import growth  # noqa: E402
 import material  # noqa: E402
+import runner  # noqa: E402
 import transfers  # noqa: E402
 import windows  # noqa: E402
 
@@ -99,6 +100,12 @@ class WindowTest(unittest.TestCase):
         while windows.activity("self")[1] == before[1]:
             sum(range(100_000))
         self.assertGreater(windows.activity("self")[1], before[1])
+
+
+class TurnTest(unittest.TestCase):
+    def test_each_round_begins_with_another_and_has_all(self):
+        self.assertEqual([runner.rotated(["a", "b", "c"], number) for number in range(4)],
+                         [["a", "b", "c"], ["b", "c", "a"], ["c", "a", "b"], ["a", "b", "c"]])
 
 
 class GrowthTest(unittest.TestCase):
