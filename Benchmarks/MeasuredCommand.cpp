@@ -1,9 +1,12 @@
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 
@@ -32,6 +35,7 @@ int main(int argc, char** argv) {
     const auto start = std::chrono::steady_clock::now();
     const pid_t child = ::fork();
     if (child == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL); // it ends with this program, whatever ends that
         ::execvp(argv[2], argv + 2);
         std::fprintf(stderr, "%s: %s\n", argv[2], std::strerror(errno));
         ::_exit(kNotStarted);

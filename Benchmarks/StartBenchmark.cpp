@@ -1,5 +1,6 @@
 #include "JobReport.h"
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
@@ -106,6 +107,7 @@ class Program {
 public:
     explicit Program(char** zpCommand) : mProcess(::fork()) {
         if (mProcess == 0) {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL); // it ends with this program, whatever ends that
             ::execvp(*zpCommand, zpCommand);
             ::_exit(127);
         }
