@@ -20,8 +20,8 @@ def by_size(transfers, place, quick):
     for size in SIZES:
         if not quick or size <= QUICK_SIZE:
             add(lines, size, medians_of_download(transfers, place, size))
-    drawing = plot.plot("Time of one download, by its size (others: with start and login)", "size of the file", "time (median)", lines,
-                        sizes=True)
+    drawing = plot.plot("Time of one download, by its size (others: with start and login)", "size of the file",
+                        "time (median)", lines, sizes=True)
     return [grown("download", place, lines["ours"], "bytes")], {"time-by-size.svg": drawing}
 
 
