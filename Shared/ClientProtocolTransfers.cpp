@@ -175,7 +175,7 @@ bool cClientProtocol::FinishFile(bool zFailed) {
     if (!zFailed && isClosed && IsFolder(mLocalFileName)) {
         return true;
     }
-    if (!zFailed && isClosed && RenameFile(mTempFileName, mLocalFileName)) {
+    if (!zFailed && isClosed && IsRegularFile(mTempFileName) && RenameFile(mTempFileName, mLocalFileName)) {
         mHasStoredFile = true;
         return true;
     }

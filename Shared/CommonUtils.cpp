@@ -7,7 +7,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -132,19 +132,24 @@ std::string OneLogLine(std::string zText, std::size_t zLongest) {
     return line;
 }
 
-std::string Abbreviated(std::string zText) {
-    constexpr const char* kEllipsis = "\u2026";
-    if (zText.size() <= kMaxFormattedLength) {
+std::string Abbreviated(std::string zText, std::size_t zLongest) {
+    constexpr std::string_view kEllipsis = "\u2026";
+    if (zText.size() <= zLongest) {
         return zText;
     }
     const auto isInsideCharacter = [](char byte) {
         return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
     };
-    std::size_t end = kMaxFormattedLength - std::strlen(kEllipsis);
-    while (end > 0 && isInsideCharacter(zText[end])) {
-        --end;
+    const std::size_t kept = zLongest - kEllipsis.size();
+    std::size_t begin = kept * 3 / 4;
+    std::size_t end = zText.size() - (kept - begin);
+    while (begin > 0 && isInsideCharacter(zText[begin])) {
+        --begin;
     }
-    return zText.replace(end, std::string::npos, kEllipsis);
+    while (end < zText.size() && isInsideCharacter(zText[end])) {
+        ++end;
+    }
+    return zText.replace(begin, end - begin, kEllipsis);
 }
 
 void AssertFail(const char* zFormat, const char* zFile, unsigned zLine, const char* zCondition) {

@@ -39,9 +39,9 @@ void DebugPrint(const std::string& zText);
 /// and U+FFFD for what is no UTF-8.
 std::string OneLogLine(std::string zText, std::size_t zLongest = kMaxFormattedLength);
 
-/// A text from outside that people can read: of more than kMaxFormattedLength bytes only the begin is left,
-/// in whole characters, with an ellipsis.
-std::string Abbreviated(std::string zText);
+/// A text from outside that people can read: of more than zLongest bytes (at least 8) the middle gives way to
+/// an ellipsis, in whole characters.
+std::string Abbreviated(std::string zText, std::size_t zLongest = kMaxFormattedLength);
 
 inline constexpr const char* kAssertFormat = "%s:%u: failed assertion `%s'\n";
 

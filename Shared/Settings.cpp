@@ -32,9 +32,9 @@ constexpr std::array<sTextField, 4> kTextFields = {{
 constexpr std::size_t kLargestFile = std::size_t{1024} * 1024;
 
 // The parser calls itself for each element in another and compares each attribute with all before it.
-constexpr std::ptrdiff_t kMostTagsAndAttributes = 4096;
+constexpr std::ptrdiff_t kMostTagsAndAttributes = 4200;
 
-// All fields together can then hold no more of these marks. No path that can be opened is longer.
+// All fields together hold fewer of these marks than that. No path that can be opened is longer.
 constexpr std::size_t kLongestText = 1023;
 
 struct sCloseFile {

@@ -1,5 +1,5 @@
-# What makes a mistake in this program harder to exploit. It costs next to nothing, so that every build but
-# those under sanitizers, which bring checks of their own, has it: what the tests run is what people install.
+# What makes a mistake in this program harder to exploit. It costs next to nothing, so that every build has
+# it (but for the fortified calls, for which sanitizers have their own): what is tested is what people install.
 include(CheckCXXCompilerFlag)
 include(CheckLinkerFlag)
 include(CheckPIESupported)

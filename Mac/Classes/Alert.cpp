@@ -17,6 +17,9 @@ namespace {
 constexpr int kLeastWidth = 48;
 constexpr int kGreatestWidth = 110;
 
+/// Bytes of a message; a device may have the longest name, and the buttons must stay on the screen.
+constexpr std::size_t kLongestMessage = 1000;
+
 struct sAlertKind {
     int kind;
     QMessageBox::Icon icon;
@@ -68,7 +71,7 @@ int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& z
     QMessageBox box(zpParent);
     box.setWindowTitle(QStringLiteral("Quillbox"));
     box.setText(ToWidgetText(Translated(zTitle)));
-    box.setInformativeText(ToWidgetText(ExpandTemplate(Translated(zMessage))));
+    box.setInformativeText(ToWidgetText(Abbreviated(ExpandTemplate(Translated(zMessage)), kLongestMessage)));
     ArrangeTexts(box);
     QPushButton* first = AddButtons(box, zKind);
     box.setDefaultButton(first);

@@ -28,7 +28,7 @@ std::string LocalPathIn(const std::string& zFolder, const std::string& zName) {
 }
 
 std::string ErrorFor(const std::string& zName, const std::string& zReason) {
-    return Abbreviated(zName) + " - " + Translated(zReason);
+    return zName + " - " + Translated(zReason);
 }
 
 /// People's link to a folder may lead anywhere, and a device must not choose to follow it.

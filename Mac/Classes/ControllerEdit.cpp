@@ -77,14 +77,13 @@ void Controller::OnDeleteButton() {
 }
 
 std::string Controller::DeleteQuestion(const std::vector<int>& zRows) const {
-    const std::string device = Abbreviated(mDeviceName);
+    const char* const device = mDeviceName.c_str();
     const char* const folder = mCurrentDirList.mDir.c_str();
     if (zRows.size() > 1) {
-        return Filled(kDeleteFiles, static_cast<int>(zRows.size()), device.c_str(), folder);
+        return Filled(kDeleteFiles, static_cast<int>(zRows.size()), device, folder);
     }
     const tFileInfo* const info = RecordAt(zRows.front());
-    const bool isFolder = info != nullptr && info->mIsFolder;
-    return Filled(isFolder ? kDeleteFolder : kDeleteFile, device.c_str(), folder);
+    return Filled(info != nullptr && info->mIsFolder ? kDeleteFolder : kDeleteFile, device, folder);
 }
 
 /// A device that refuses one item, and people who will not wait for one, do not keep the others from being
@@ -103,7 +102,7 @@ std::string Controller::DeleteRows(const std::vector<int>& zRows) {
         }
         const std::string path = DevicePathIn(mCurrentDirList.mDir, info->mName);
         if (!mpSocket->CommandFits(eCommand::kDelete, path)) {
-            errorText = Abbreviated(info->mName) + " - " + Translated("Path too long");
+            errorText = info->mName + " - " + Translated("Path too long");
             continue;
         }
         mpSocket->Delete(path);

@@ -154,7 +154,7 @@ std::string Controller::UploadFiles(const std::vector<std::string>& zPaths, cons
 /// early where the connection is lost meanwhile.
 bool Controller::DecideUploads(const std::vector<std::string>& zPaths, sUpload& zrUpload) {
     for (const std::string& path : zPaths) {
-        const int answer = AskForUpload(path, zrUpload);
+        const int answer = IsConnected() ? AskForUpload(path, zrUpload) : CopyNo;
         if (answer == CopyCancel) {
             return false;
         }

@@ -108,7 +108,8 @@ INSTANTIATE_TEST_SUITE_P(
         // In 32 bits -4096 as well.
         sDetails{
             "SizeBeyond31Bits", "1.10", "8192", 4294963200, {"0 bytes of 8.0 KiB", "0 bytes of 8.0 KiB"}},
-        sDetails{"HugeSizes", "1.10", "4294967295", 2147483647, {"1.0 GiB of 4.0 GiB", "3.0 GiB of 4.0 GiB"}},
+        sDetails{
+            "HugeSizes", "1.10", "4294967295", 2147483647, {"1024.0 MiB of 4.0 GiB", "3.0 GiB of 4.0 GiB"}},
         sDetails{"SizesNotListed", "1.10", "8192", 0, {"0 bytes of 8.0 KiB", "0 bytes of 8.0 KiB"}}),
     [](const auto& zInfo) { return std::string(zInfo.param.name); });
 

@@ -451,6 +451,19 @@ TEST_F(Alerts, ALongNameIsShownWhole) {
     });
 }
 
+TEST_F(Alerts, AnEndlessNameGivesWayToTheReason) {
+    std::string name;
+    while (name.size() < 500'000) {
+        name += "word ";
+    }
+    Show("Title", name + " - Path too long", AlertOk, [](QMessageBox& zrBox) {
+        EXPECT_TRUE(zrBox.informativeText().endsWith(QStringLiteral("word  - Path too long")));
+        EXPECT_TRUE(zrBox.informativeText().contains(QChar(0x2026)));
+        EXPECT_LT(zrBox.height(), 600);
+        PressEscape(zrBox);
+    });
+}
+
 struct sAlertAnswer {
     int kind;
     const char* button;

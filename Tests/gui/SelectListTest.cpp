@@ -333,7 +333,7 @@ TEST_F(SelectionList, TheAddressTellsDevicesOfOneNameApart) {
 TEST_F(SelectionList, AnEndlessNameIsAbbreviated) {
     mDevices.Add(std::string(9000, 'x'), "10.0.0.7");
     Open();
-    EXPECT_EQ(List().item(0)->text().toStdString(), std::string(252, 'x') + "\u2026");
+    EXPECT_EQ(List().item(0)->text().toStdString(), std::string(189, 'x') + "\u2026" + std::string(63, 'x'));
     Press("OK");
     EXPECT_EQ(mpDialog->GetIPAddressStr(), "10.0.0.7");
 }

@@ -59,6 +59,26 @@ protected:
     void Quit() { GetParam().quit(*this); }
 };
 
+TEST_P(UploadQuitWays, WhileADroppedFolderIsLookedUp) {
+    for (int number = 0; number < 20000; ++number) {
+        mFolder.Write("large/" + std::to_string(number), "");
+    }
+    mDevice.AddFile("3.txt", "old");
+    Key(Qt::Key_F5);
+    mQuits.When(
+        "the look into the folder",
+        [this] { return ModalSession::IsRunning() && ProgressWindow().windowTitle() == kReading; },
+        [this] { Quit(); });
+    EXPECT_EQ(RunApplication([&] {
+                  mController.UploadFiles({mFolder / "large", mFolder / "3.txt"}, "");
+              }),
+              0);
+    EXPECT_TRUE(mQuits.HasEnded());
+    EXPECT_FALSE(ModalSession::IsRunning()) << "nothing is asked about what follows";
+    EXPECT_THAT(Sent(), IsEmpty());
+    EXPECT_THAT(mAlerts, IsEmpty());
+}
+
 TEST_P(UploadQuitWays, InTheMiddleOfAFile) {
     QuitWhen(
         {"2.dat", "3.txt"}, "the middle of the file", [this] { return IsInTheMiddleOf("2.dat"); },

@@ -211,7 +211,8 @@ TEST_F(UploadTree, PeopleCanCancelWhileALargeFolderIsLookedUp) {
     Connect();
     Meanwhile meanwhile;
     meanwhile.When(
-        "the look into the folder", [this] { return ProgressWindow().windowTitle() == kReading; },
+        "the look into the folder",
+        [this] { return ModalSession::IsRunning() && ProgressWindow().windowTitle() == kReading; },
         [this] { Control<QPushButton>(ProgressWindow(), "Cancel").click(); });
     EXPECT_EQ(mController.UploadFiles({mFolder / "f"}, ""), "");
     EXPECT_TRUE(meanwhile.HasEnded());

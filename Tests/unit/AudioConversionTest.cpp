@@ -420,20 +420,21 @@ TEST_F(AudioConversion, CanBeStoppedAtAnyReport) {
 }
 
 TEST_F(AudioConversion, CanBeStoppedInAHeaderWithoutEnd) {
-    std::string chunks;
-    for (int number = 0; number < 200'000; ++number) {
-        chunks += std::string("abcd\0\0\0\0", 8);
-    }
     const std::string whole = WaveBytes({1, 1, 44100, 16}, std::string(8, '\0'));
-    const std::string path = mFolder.Write("a.wav", whole.substr(0, 12) + chunks + whole.substr(12));
-    int reports = 0;
-    cAudioConversion conversion(path);
-    conversion.progress = [&](double) { return ++reports < 3; };
-    EXPECT_TRUE(conversion.ConvertForUpload());
-    EXPECT_TRUE(conversion.cancelled);
-    EXPECT_EQ(reports, 3);
-    ExpectSentAsItIs(conversion, "a.wav", "");
-    EXPECT_THAT(TempNames(), IsEmpty());
+    for (const std::string& chunk : {std::string("abcd\0\0\0\0", 8), std::string("abcd\4\0\0\0text", 12)}) {
+        std::string chunks;
+        for (int number = 0; number < 200'000; ++number) {
+            chunks += chunk;
+        }
+        int reports = 0;
+        cAudioConversion conversion(mFolder.Write("a.wav", whole.substr(0, 12) + chunks + whole.substr(12)));
+        conversion.progress = [&](double) { return ++reports < 3; };
+        EXPECT_TRUE(conversion.ConvertForUpload());
+        EXPECT_TRUE(conversion.cancelled);
+        EXPECT_EQ(reports, 3);
+        ExpectSentAsItIs(conversion, "a.wav", "");
+        EXPECT_THAT(TempNames(), IsEmpty());
+    }
 }
 
 TEST_F(AudioConversion, AStopHoldsForOneConversionOnly) {

@@ -505,6 +505,16 @@ TEST_F(Download, AFolderThatTookThePlaceOfTheTemporaryIsNotDeleted) {
     EXPECT_EQ(mFolder.Read("a.wav.tmp/precious"), "mine");
 }
 
+TEST_F(Download, AFolderThatTookThePlaceOfTheTemporaryIsNoDownload) {
+    StartDownload();
+    fs::remove(mFolder / "a.wav.tmp");
+    mFolder.Write("a.wav.tmp/precious", "mine");
+    mClient.Feed(LengthPrefix(3) + "abc");
+    ExpectFailed((mFolder / "a.wav") + " - failed to write file");
+    EXPECT_FALSE(Exists("a.wav"));
+    EXPECT_EQ(mFolder.Read("a.wav.tmp/precious"), "mine");
+}
+
 TEST_F(Download, FailedRenameKeepsTheOldFile) {
     mFolder.Write("a.wav", "the old file");
     StartDownload();
