@@ -45,7 +45,7 @@ sf_count_t Seek(sf_count_t zOffset, int zWhence, void* zpUser) {
 /// zeros, which fade away, instead of what the block before left there.
 sf_count_t Read(void* zpBuffer, sf_count_t zCount, void* zpUser) {
     if (!static_cast<sSource*>(zpUser)->MayRead()) {
-        std::fseek(Stream(zpUser), 0, SEEK_END); // where every search in the file ends
+        static_cast<void>(std::fseek(Stream(zpUser), 0, SEEK_END)); // where every search in the file ends
     }
     const auto wanted = static_cast<std::size_t>(std::max<sf_count_t>(zCount, 0));
     const std::size_t count = std::fread(zpBuffer, 1, wanted, Stream(zpUser));
