@@ -240,7 +240,6 @@ private:
     static void LogSkipped(const std::string& zName, const char* zReason);
     static std::string DevicePathIn(const std::string& zFolder, const std::string& zName);
     int AskToOverwrite(bool zIsFolder, const std::string& zName);
-    static std::string AmountText(std::uint64_t zDone, std::uint64_t zTotal);
 
     // Download
     cDeviceDirList SelectedRecords() const;
@@ -262,8 +261,8 @@ private:
     int AskForPlace(const std::string& zLocalPath, sDownload& zrDownload);
     bool WaitForDownload(const cClientProtocol::cDeviceFileInfo& zInfo, sListingProgress& zrProgress,
                          sDownload& zrDownload);
-    static std::string AmountText(const cClientProtocol::cDeviceFileInfo& zInfo, float zFileProgress,
-                                  const sDownload& zDownload);
+    void ShowDownload(const cClientProtocol::cDeviceFileInfo& zInfo, const sListingProgress& zProgress,
+                      const sDownload& zDownload);
     static float DownloadPosition(const cClientProtocol::cDeviceFileInfo& zInfo, float zFileProgress,
                                   const sListingProgress& zProgress, const sDownload& zDownload);
 

@@ -6,9 +6,7 @@
 #include "Settings.h"
 #include "WidgetText.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
-#include <QtCore/QLocale>
 
 #include <algorithm>
 #include <filesystem>
@@ -304,10 +302,7 @@ bool Controller::WaitForDownload(const tFileInfo& zInfo, sListingProgress& zrPro
                                  sDownload& zrDownload) {
     eReply reply = StillWaiting;
     while (reply == StillWaiting) {
-        const float progress = mpSocket->GetProgress();
-        progressDlg->SetProgress(ExpandTemplate(zInfo.mName),
-                                 DownloadPosition(zInfo, progress, zrProgress, zrDownload));
-        progressDlg->SetDetails(AmountText(zInfo, progress, zrDownload));
+        ShowDownload(zInfo, zrProgress, zrDownload);
         reply = CheckForReply(zrDownload.session);
     }
     if (reply == FailedOrDisconnected) {
@@ -324,10 +319,14 @@ bool Controller::WaitForDownload(const tFileInfo& zInfo, sListingProgress& zrPro
     return true;
 }
 
-std::string Controller::AmountText(const tFileInfo& zInfo, float zFileProgress, const sDownload& zDownload) {
-    const double current = static_cast<double>(Size(zInfo)) * static_cast<double>(zFileProgress);
-    return AmountText(zDownload.numBytesCopied + static_cast<std::uint64_t>(current),
-                      zDownload.totalFileSize);
+void Controller::ShowDownload(const tFileInfo& zInfo, const sListingProgress& zProgress,
+                              const sDownload& zDownload) {
+    const float progress = mpSocket->GetProgress();
+    progressDlg->SetProgress(ExpandTemplate(zInfo.mName),
+                             DownloadPosition(zInfo, progress, zProgress, zDownload));
+    const double current = static_cast<double>(Size(zInfo)) * static_cast<double>(progress);
+    progressDlg->SetAmount(zDownload.numBytesCopied + static_cast<std::uint64_t>(current),
+                           zDownload.totalFileSize);
 }
 
 float Controller::DownloadPosition(const tFileInfo& zInfo, float zFileProgress,

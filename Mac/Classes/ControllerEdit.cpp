@@ -117,6 +117,7 @@ void Controller::WaitForDelete(ModalSession& zrSession, std::size_t zNumber, std
     AwaitReply(&zrSession, [&] {
         const float done = mpSocket->GetProgress() + static_cast<float>(zNumber - 1);
         progressDlg->SetProgress(text, done / static_cast<float>(zCount));
+        progressDlg->ShowNow(); // nothing else tells people which items are gone
     });
 }
 

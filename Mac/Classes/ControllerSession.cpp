@@ -212,6 +212,7 @@ void Controller::CentreOverWindow(QWidget& zrDialog) const {
 
 void Controller::CloseProgress(ModalSession& zrSession) {
     zrSession.End();
+    progressDlg->ShowNow();
     progressDlg->close();
 }
 

@@ -5,9 +5,6 @@
 #include "RunLoop.h"
 #include "WidgetText.h"
 
-#include <QtCore/QCoreApplication>
-#include <QtCore/QLocale>
-
 /// Between any two steps people may have cancelled, and the connection may be lost or useless; the latter
 /// leaves its reason in zrErrorText.
 bool Controller::MayGoOn(std::string& zrErrorText) {
@@ -64,17 +61,4 @@ int Controller::AskToOverwrite(bool zIsFolder, const std::string& zName) {
     ModalSession::RunModal(prompt);
     prompt.close();
     return prompt.GetResult();
-}
-
-/// How much of a whole transfer is done; "" where the whole is unknown, or turns out to be more than was
-/// said.
-std::string Controller::AmountText(std::uint64_t zDone, std::uint64_t zTotal) {
-    if (zTotal == 0 || zDone > zTotal) {
-        return {};
-    }
-    const auto total = static_cast<qint64>(zTotal);
-    const auto done = static_cast<qint64>(zDone);
-    const QLocale locale;
-    return FromWidgetText(QCoreApplication::translate("Quillbox", "%1 of %2")
-                              .arg(locale.formattedDataSize(done, 1), locale.formattedDataSize(total, 1)));
 }

@@ -258,7 +258,7 @@ void Controller::ShowUpload(const std::string& zName, double zDone, const sUploa
     const double done = zDone + static_cast<double>(zUpload.bytesDone);
     progressDlg->SetProgress(ExpandTemplate(zName),
                              static_cast<float>(done) / static_cast<float>(zUpload.total));
-    progressDlg->SetDetails(AmountText(static_cast<std::uint64_t>(done), zUpload.total));
+    progressDlg->SetAmount(static_cast<std::uint64_t>(done), zUpload.total);
 }
 
 bool Controller::WaitForUpload(const std::string& zName, cAudioConversion& zrRecord, sUpload& zrUpload) {

@@ -4,12 +4,17 @@
 #include "WidgetText.h"
 #include "ui_ProgressView.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QLocale>
+
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 namespace {
 
 constexpr int kBarSteps = 1000;
+constexpr std::chrono::milliseconds kBetweenChanges{40};
 
 /// The accessible name of these labels is their role, so the words go into the description.
 void ShowWords(QLabel& zrLabel, const std::string& zText) {
@@ -18,6 +23,16 @@ void ShowWords(QLabel& zrLabel, const std::string& zText) {
         zrLabel.setText(words);
         zrLabel.setAccessibleDescription(words);
     }
+}
+
+std::string AmountText(std::uint64_t zDone, std::uint64_t zTotal) {
+    if (zTotal == 0 || zDone > zTotal) {
+        return {};
+    }
+    const QLocale locale;
+    return FromWidgetText(QCoreApplication::translate("Quillbox", "%1 of %2")
+                              .arg(locale.formattedDataSize(static_cast<qint64>(zDone), 1),
+                                   locale.formattedDataSize(static_cast<qint64>(zTotal), 1)));
 }
 
 } // namespace
@@ -29,6 +44,9 @@ ProgressController::ProgressController(QWidget* zpParent)
     progress = mpUi->progress;
     cancel = mpUi->cancel;
     OnPress(*cancel, [this] { cancelDlg(); });
+    mShowTimer.setSingleShot(true);
+    mShowTimer.setInterval(kBetweenChanges);
+    connect(&mShowTimer, &QTimer::timeout, this, [this] { ShowNow(); });
     Init("");
 }
 
@@ -41,18 +59,35 @@ void ProgressController::Init(const std::string& zTitle) {
     canceled = false;
     setWindowTitle(ToWidgetText(zTitle));
     SetProgress("", 0.0F);
-    SetDetails("");
+    SetAmount(0, 0);
+    ShowNow();
 }
 
 void ProgressController::SetProgress(const std::string& zText, float zPosition) {
-    const float position = std::isnan(zPosition) ? 0.0F : std::clamp(zPosition, 0.0F, 1.0F);
-    progress->setValue(static_cast<int>(std::lround(position * static_cast<float>(kBarSteps))));
-    ShowWords(*label, zText);
+    mText = zText;
+    mPosition = std::isnan(zPosition) ? 0.0F : std::clamp(zPosition, 0.0F, 1.0F);
+    ShowSoon();
 }
 
-void ProgressController::SetDetails(const std::string& zText) {
-    ShowWords(*mpUi->details, zText);
-    mpUi->details->setVisible(!zText.empty());
+void ProgressController::SetAmount(std::uint64_t zDone, std::uint64_t zTotal) {
+    mDone = zDone;
+    mTotal = zTotal;
+    ShowSoon();
+}
+
+void ProgressController::ShowSoon() {
+    if (!mShowTimer.isActive()) {
+        mShowTimer.start();
+    }
+}
+
+void ProgressController::ShowNow() {
+    mShowTimer.stop();
+    progress->setValue(static_cast<int>(std::lround(mPosition * static_cast<float>(kBarSteps))));
+    ShowWords(*label, mText);
+    const std::string amount = AmountText(mDone, mTotal);
+    ShowWords(*mpUi->details, amount);
+    mpUi->details->setVisible(!amount.empty());
 }
 
 void ProgressController::cancelDlg() {

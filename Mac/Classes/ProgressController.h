@@ -2,6 +2,9 @@
 
 #include "ModalDialog.h"
 
+#include <QtCore/QTimer>
+
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -13,7 +16,9 @@ namespace Ui {
 class ProgressView;
 }
 
-/// The progress window. One serves every operation; Init makes it ready for the next.
+/// The progress window. One serves every operation; Init makes it ready for the next. What it shows changes
+/// only as often as people can see: showing each of a thousand small files would take longer than to transfer
+/// it. The latest is always shown in the end.
 class ProgressController : public ModalDialog {
 public:
     explicit ProgressController(QWidget* zpParent);
@@ -26,8 +31,12 @@ public:
     /// what is not a number.
     void SetProgress(const std::string& zText, float zPosition);
 
-    /// Shows how much of the whole is done; an empty text takes the line away.
-    void SetDetails(const std::string& zText);
+    /// Shows how many bytes of the whole are done; nothing where the whole is unknown (0), or turns out to be
+    /// more than was said.
+    void SetAmount(std::uint64_t zDone, std::uint64_t zTotal);
+
+    /// Shows the latest at once. For the steps of an operation that has few, and before the window closes.
+    void ShowNow();
 
     /// Whether the user has cancelled since Init.
     bool GetCancelled() const { return canceled; }
@@ -39,9 +48,16 @@ protected:
     void Dismiss() override { cancelDlg(); }
 
 private:
+    void ShowSoon();
+
     QLabel* label = nullptr;
     QProgressBar* progress = nullptr;
     QPushButton* cancel = nullptr;
     bool canceled = false;
+    std::string mText;
+    float mPosition = 0.0F;
+    std::uint64_t mDone = 0;
+    std::uint64_t mTotal = 0;
+    QTimer mShowTimer; ///< runs while the window does not show the latest yet
     std::unique_ptr<Ui::ProgressView> mpUi;
 };

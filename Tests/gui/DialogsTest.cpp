@@ -3,6 +3,7 @@
 #include "CreateFolderController.h"
 #include "ModalSession.h"
 #include "ProgressController.h"
+#include "WaitFor.h"
 #include "WidgetDriver.h"
 
 #include <QtGui/QAccessible>
@@ -81,7 +82,8 @@ TEST_F(Progress, InitPreparesForAnOperation) {
 
 TEST_F(Progress, InitForgetsTheFormerOperation) {
     mController.SetProgress("Kick.wav", 0.5F);
-    mController.SetDetails("1 MB of 2 MB");
+    mController.SetAmount(1, 2);
+    mController.ShowNow();
     mController.cancelDlg();
     mController.Init("Deleting files");
     ExpectFresh(mController, QStringLiteral("Deleting files"));
@@ -89,11 +91,25 @@ TEST_F(Progress, InitForgetsTheFormerOperation) {
 
 TEST_F(Progress, ShowsTheItemAndItsDetails) {
     mController.SetProgress("<i>100% of Kick</i>.wav", 0.25F);
-    mController.SetDetails("1 MB of 4 MB");
+    mController.SetAmount(1 << 20, 4 << 20);
+    mController.ShowNow();
     EXPECT_EQ(Position(), 250);
     EXPECT_EQ(Words(mController, "Current item"), QStringLiteral("<i>100% of Kick</i>.wav"));
-    EXPECT_EQ(Words(mController, "Details"), QStringLiteral("1 MB of 4 MB"));
+    EXPECT_EQ(Words(mController, "Details"), QStringLiteral("1.0 MiB of 4.0 MiB"));
     EXPECT_TRUE(Control<QLabel>(mController, "Details").isVisibleTo(&mController));
+}
+
+TEST_F(Progress, ShowsOfAQuickSuccessionTheLatest) {
+    const QSignalSpy moves(&Control<QProgressBar>(mController, "Progress"), &QProgressBar::valueChanged);
+    for (int step = 1; step <= 500; ++step) {
+        mController.SetProgress(std::to_string(step) + ".wav", static_cast<float>(step) / 1000.0F);
+        mController.SetAmount(static_cast<std::uint64_t>(step), 900);
+    }
+    EXPECT_EQ(moves.count(), 0);
+    EXPECT_TRUE(WaitFor([this] { return Position() == 500; }));
+    EXPECT_EQ(moves.count(), 1);
+    EXPECT_EQ(Words(mController, "Current item"), QStringLiteral("500.wav"));
+    EXPECT_EQ(Words(mController, "Details"), QStringLiteral("500 bytes of 900 bytes"));
 }
 
 struct sPosition {
@@ -117,7 +133,9 @@ TEST_F(Progress, ThePositionStaysOnTheBar) {
                                               {std::nanf(""), 0}}};
     for (const sPosition& row : cases) {
         mController.SetProgress("", 0.3F);
+        mController.ShowNow();
         mController.SetProgress("", row.position);
+        mController.ShowNow();
         EXPECT_EQ(Position(), row.shown) << row.position;
     }
 }
@@ -127,7 +145,7 @@ TEST_F(Progress, LongTextsDoNotChangeTheWindow) {
     RunLoopPasses(3);
     const QSize before = mController.size();
     mController.SetProgress(std::string(5000, 'w'), 0.1F);
-    mController.SetDetails(std::string(5000, 'w'));
+    mController.ShowNow();
     RunLoopPasses(3);
     EXPECT_EQ(mController.size(), before);
     EXPECT_LT(mController.minimumSizeHint().width(), before.width());
