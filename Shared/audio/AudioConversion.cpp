@@ -155,7 +155,9 @@ void cAudioConversion::DeleteTempFile() {
 // --- With libsndfile ---
 
 bool cAudioConversion::ConvertWithSndfile(const std::string* zpOutputFolder) {
+    cStdioBuffer buffer;
     const tStdioStream pSource = OpenSource();
+    buffer.GiveTo(pSource.get());
     if (!pSource) {
         return Refuse("Couldn't open file '" + sourcePath + "'");
     }

@@ -34,6 +34,7 @@ cSoundOutput::cSoundOutput(const std::string& zPath) : mPath(zPath), mpFile(Crea
         mpFile = CreateFile(mPath);
     }
     mIsCreated = mpFile != nullptr;
+    mBuffer.GiveTo(mpFile.get());
 }
 
 cSoundOutput::~cSoundOutput() {

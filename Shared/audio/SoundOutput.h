@@ -25,7 +25,7 @@ public:
 
     std::FILE* GetFile() const { return mpFile.get(); }
 
-    /// Hands the stream over to somebody who closes it.
+    /// Hands the stream over to somebody who closes it while this object is there.
     std::FILE* ReleaseFile() { return mpFile.release(); }
 
     /// Closes the file. False when something of it did not reach the disk.
@@ -36,6 +36,7 @@ public:
 
 private:
     std::string mPath;
+    cStdioBuffer mBuffer;
     tStdioStream mpFile;
     bool mIsCreated = false;
     bool mIsKept = false;
