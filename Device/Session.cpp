@@ -10,7 +10,8 @@ namespace {
 constexpr qint64 kMaxPendingOutput = 262144;
 constexpr qint64 kMaxPendingInput = 262144;
 constexpr qint64 kCommandPiece = 4096;
-constexpr qint64 kBodyPiece = 65536;
+constexpr std::size_t kDownloadPiece = 65536;
+constexpr qint64 kUploadPiece = kMaxPendingInput; // all that may wait, so that one write is enough
 
 constexpr std::string_view kNoRights = "---";
 constexpr const char* kNotAllowed = "not allowed";
@@ -51,7 +52,7 @@ bool Session::Step() {
 }
 
 bool Session::SendPiece() {
-    const std::string piece = mDownload->ReadPiece(kBodyPiece);
+    const std::string piece = mDownload->ReadPiece(kDownloadPiece);
     if (piece.empty()) {
         Drop("the file has become shorter than announced");
         return false;
@@ -65,7 +66,7 @@ bool Session::SendPiece() {
 }
 
 bool Session::TakeBody() {
-    if (mInput.empty() && !Refill(kBodyPiece)) {
+    if (mInput.empty() && !Refill(kUploadPiece)) {
         return false;
     }
     const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(mInput.size(), mBodyLeft));
@@ -108,9 +109,12 @@ bool Session::TakeCommand() {
 
 /// Moves received bytes behind mInput; false when there are none.
 bool Session::Refill(qint64 count) {
-    const QByteArray bytes = mSocket.read(count);
-    mInput.append(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    return !bytes.isEmpty();
+    const std::size_t before = mInput.size();
+    const qint64 available = std::min(count, mSocket.bytesAvailable());
+    mInput.resize(before + static_cast<std::size_t>(available));
+    const qint64 got = std::max<qint64>(mSocket.read(mInput.data() + before, available), 0);
+    mInput.resize(before + static_cast<std::size_t>(got));
+    return got > 0;
 }
 
 void Session::OnDisconnected() {
