@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kRoundLimit{100};
 constexpr float kPauseSeconds = 0.01F;
+constexpr int kQuestionsInQuietSlice = 2; // at the start, and when its time is up
 
 } // namespace
 
@@ -35,7 +36,12 @@ bool RunLoop::RunSlice(std::chrono::milliseconds zLimit, const std::function<boo
 }
 
 void RunLoop::WaitRound(const std::function<bool()>& zDone) {
-    if (!RunSlice(kRoundLimit, zDone)) {
+    int questions = 0;
+    const bool isDone = RunSlice(kRoundLimit, [&] {
+        ++questions;
+        return zDone();
+    });
+    if (!isDone && questions <= kQuestionsInQuietSlice) {
         OSX10_x::pauseThread(kPauseSeconds);
     }
 }

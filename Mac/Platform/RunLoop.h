@@ -11,6 +11,7 @@ public:
     /// Returns whether zDone ended the slice.
     static bool RunSlice(std::chrono::milliseconds zLimit, const std::function<bool()>& zDone);
 
-    /// One round of a polling loop: a slice of at most 0.1 s, and a pause of 0.01 s after a full one only.
+    /// One round of a polling loop: a slice of at most 0.1 s, and a pause of 0.01 s, in which nothing at all
+    /// happens, after a full one in which nothing happened.
     static void WaitRound(const std::function<bool()>& zDone);
 };

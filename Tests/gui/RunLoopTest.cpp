@@ -5,12 +5,29 @@
 #include <QtCore/QElapsedTimer>
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 namespace {
 
 using namespace std::chrono_literals;
 
+int sPauses = 0;
+
+} // namespace
+
+/// Takes the place of the system's.
+extern "C" int nanosleep(const timespec* zpTime, timespec* zpLeft) {
+    ++sPauses;
+    return clock_nanosleep(CLOCK_MONOTONIC, 0, zpTime, zpLeft);
+}
+
+namespace {
+
 /// Longer than any test may take, so that only the awaited thing can end the slice.
 constexpr auto kNever = std::chrono::hours(1);
+
+/// More than the events take that come with the start of a program.
+constexpr int kPassesOfTheStart = 10;
 
 TEST(RunLoop, AsksBeforeItPumps) {
     bool pumped = false;
@@ -63,10 +80,26 @@ TEST(RunLoop, AnInnerSliceDoesNotKeepAnOuterOneBeyondItsEnd) {
 }
 
 TEST(RunLoop, AFullRoundLastsATenthOfASecondAndAPause) {
+    RunLoopPasses(kPassesOfTheStart);
     QElapsedTimer clock;
     clock.start();
     RunLoop::WaitRound([] { return false; });
     EXPECT_GE(clock.elapsed(), 109);
+}
+
+TEST(RunLoop, APauseFollowsAFullRoundInWhichNothingHappened) {
+    RunLoopPasses(kPassesOfTheStart);
+    sPauses = 0;
+    RunLoop::WaitRound([] { return false; });
+    EXPECT_EQ(sPauses, 1);
+}
+
+TEST(RunLoop, NoPauseFollowsAFullRoundInWhichSomethingHappened) {
+    QTimer work;
+    work.start(1);
+    sPauses = 0;
+    RunLoop::WaitRound([] { return false; });
+    EXPECT_EQ(sPauses, 0);
 }
 
 TEST(RunLoop, ARoundEndsAtOnceAndWithoutAPause) {
