@@ -348,6 +348,7 @@ void AsyncSocket::DoSendBytes() {
             mpStreams->Write(mCurrentWrite->LeftPart(), static_cast<std::size_t>(slice)));
     }
     if (mCurrentWrite->LeftLength() == 0) {
+        mpStreams->SendNow();
         CompleteCurrentWrite();
     }
 }

@@ -1,5 +1,7 @@
 #include "SocketStreams.h"
 
+#include "DeferredCall.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QPointer>
 
@@ -93,8 +95,8 @@ private:
 SocketStreams::SocketStreams(std::string zHost, std::uint16_t zPort, SocketStreamsClient& zrClient,
                              HostLookup zLookup)
     : mHost(std::move(zHost)), mPort(zPort), mrClient(zrClient), mLookup(std::move(zLookup)) {
-    mReportCall.setSingleShot(true);
-    QObject::connect(&mReportCall, &QTimer::timeout, this, [this] { ReportEnding(); });
+    PrepareCall(mSendCall, [this] { SendWritten(); });
+    PrepareCall(mReportCall, [this] { ReportEnding(); });
 }
 
 SocketStreams::~SocketStreams() {
@@ -208,15 +210,16 @@ void SocketStreams::OnReadable() {
 }
 
 void SocketStreams::OnWritable() {
-    if (!mOpen) {
+    if (mOpen) {
+        SendWritten();
+    } else {
         FinishConnecting();
-        return;
     }
-    const int code = SendFrom(mOutgoing, mDescriptor.Get());
-    mpWritable->setEnabled(code == 0 && !mOutgoing.IsEmpty());
-    if (code != 0) {
-        SendingFailed(PosixError(code));
-    } else if (CanAcceptBytes()) {
+}
+
+void SocketStreams::SendWritten() {
+    SendNow();
+    if (CanAcceptBytes()) {
         mrClient.onWriteStreamEvent(StreamEvent::kCanAcceptBytes);
     }
 }
@@ -225,7 +228,7 @@ std::size_t SocketStreams::Read(char* zpBytes, std::size_t zSize) {
     const std::size_t size = mIncoming.Take(zpBytes, zSize);
     UpdateReadNotifier();
     if (mReceivingEnded && mIncoming.IsEmpty()) {
-        ReportEndingSoon();
+        StartCall(mReportCall);
     }
     mPatience = kReaderPatience;
     return size;
@@ -235,8 +238,20 @@ std::size_t SocketStreams::Write(const char* zpBytes, std::size_t zSize) {
     if (!CanAcceptBytes()) {
         return 0;
     }
-    mpWritable->setEnabled(true);
+    // Switching the notifier costs the event loop two system calls each time; mostly it is not needed.
+    if (!mpWritable->isEnabled()) {
+        StartCall(mSendCall);
+    }
     return mOutgoing.Put(zpBytes, zSize);
+}
+
+void SocketStreams::SendNow() {
+    mSendCall.stop();
+    const int code = SendFrom(mOutgoing, mDescriptor.Get());
+    mpWritable->setEnabled(code == 0 && !mOutgoing.IsEmpty());
+    if (code != 0) {
+        SendingFailed(PosixError(code));
+    }
 }
 
 SocketAddress SocketStreams::GetLocalAddress() const {
@@ -261,7 +276,7 @@ void SocketStreams::ReceivingEnded(StreamError zError) {
     SetError(zError);
     UpdateReadNotifier();
     if (mIncoming.IsEmpty()) {
-        ReportEndingSoon();
+        StartCall(mReportCall);
     }
 }
 
@@ -269,7 +284,7 @@ void SocketStreams::SendingFailed(StreamError zError) {
     mSendingFailed = true;
     SetError(zError);
     mPatience = kReaderPatience;
-    ReportEndingSoon();
+    StartCall(mReportCall);
 }
 
 void SocketStreams::SetError(StreamError zError) {
@@ -278,17 +293,10 @@ void SocketStreams::SetError(StreamError zError) {
     }
 }
 
-void SocketStreams::ReportEndingSoon() {
-    // Starting it anew with every pass of the loop would put it off for ever.
-    if (!mReportCall.isActive()) {
-        mReportCall.start();
-    }
-}
-
 void SocketStreams::ReportEnding() {
     const bool everythingRead = mReceivingEnded && mIncoming.IsEmpty();
     if (!everythingRead && mPatience-- > 0) {
-        ReportEndingSoon();
+        StartCall(mReportCall);
         return;
     }
     if (mError == StreamError()) {

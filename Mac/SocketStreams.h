@@ -72,6 +72,10 @@ public:
     /// Takes up to zSize bytes for sending and returns how many.
     std::size_t Write(const char* zpBytes, std::size_t zSize);
 
+    /// Sends what the system takes of what was written, at once instead of with the next pass of the event loop.
+    /// A failure is reported as an event.
+    void SendNow();
+
     /// What "error occurred" was about; "no error" otherwise.
     StreamError GetError() const { return mError; }
 
@@ -91,13 +95,13 @@ private:
     void OpenCompleted();
     void OnReadable();
     void OnWritable();
+    void SendWritten();
     void ReceivingEnded(StreamError zError);
     void SendingFailed(StreamError zError);
     void SetError(StreamError zError);
     void ReportEnding();
     void ReportError();
     void UpdateReadNotifier();
-    void ReportEndingSoon();
 
     std::string mHost;
     std::uint16_t mPort;
@@ -109,7 +113,8 @@ private:
 
     FileDescriptor mDescriptor;
     std::unique_ptr<QSocketNotifier> mpReadable; ///< off while there is no room
-    std::unique_ptr<QSocketNotifier> mpWritable; ///< off while there is nothing to send
+    std::unique_ptr<QSocketNotifier> mpWritable; ///< off unless the system did not take all there was to send
+    QTimer mSendCall;                            ///< what is written may go with the next pass of the loop
     SocketAddress mPeer;
     ByteRing mIncoming{kBufferSize};
     ByteRing mOutgoing{kBufferSize};
