@@ -23,18 +23,26 @@ constexpr const char* kCannotRead = "Couldn't read file";
 constexpr const char* kTooLarge = "File too large";
 constexpr const char* kCannotWrite = " - failed to write file";
 
+bool IsLeftover(const std::string& zPath) {
+    std::error_code ignored;
+    const std::filesystem::file_type type = std::filesystem::symlink_status(zPath, ignored).type();
+    return type == std::filesystem::file_type::regular || type == std::filesystem::file_type::symlink;
+}
+
 /// Makes a file that did not exist before. A leftover of an earlier download gives way, and so does a link
 /// (not what it names); exclusive creation then follows no link that appears in between.
 std::FILE* CreateTempFile(const std::string& zPath) {
     if (zPath.find('\0') != std::string::npos) {
         return nullptr; // it would name another file
     }
-    std::error_code error;
-    const std::filesystem::file_type type = std::filesystem::symlink_status(zPath, error).type();
-    if (type == std::filesystem::file_type::regular || type == std::filesystem::file_type::symlink) {
-        std::filesystem::remove(zPath, error);
+    std::FILE* pFile = OpenFile(zPath, "wbx");
+    if (pFile == nullptr && IsLeftover(zPath) && ::unlink(zPath.c_str()) == 0) {
+        pFile = OpenFile(zPath, "wbx");
     }
-    return OpenFile(zPath, "wbx");
+    if (pFile != nullptr) { // its content comes in large pieces
+        static_cast<void>(std::setvbuf(pFile, nullptr, _IONBF, 0));
+    }
+    return pFile;
 }
 
 std::uint32_t ReadLittleEndian(const char* zpBytes) {

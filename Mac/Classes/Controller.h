@@ -256,9 +256,7 @@ private:
     bool DownloadFile(const std::string& zDestination, const std::string& zDeviceDir,
                       const cClientProtocol::cDeviceFileInfo& zInfo, sListingProgress& zrProgress,
                       sDownload& zrDownload);
-    std::string ObstacleTo(const std::string& zLocalPath, const std::string& zDeviceDir,
-                           const std::string& zName) const;
-    int AskForPlace(const std::string& zLocalPath, sDownload& zrDownload);
+    int AskForPlace(const std::string& zLocalPath, bool zIsTaken, sDownload& zrDownload);
     bool WaitForDownload(const cClientProtocol::cDeviceFileInfo& zInfo, sListingProgress& zrProgress,
                          sDownload& zrDownload);
     void ShowDownload(const cClientProtocol::cDeviceFileInfo& zInfo, const sListingProgress& zProgress,

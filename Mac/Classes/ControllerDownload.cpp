@@ -35,6 +35,12 @@ bool IsLink(const std::string& zPath) {
     return std::filesystem::is_symlink(std::filesystem::symlink_status(zPath, ignored));
 }
 
+/// A link that leads nowhere, and a file that cannot be read, are there as well.
+bool IsThere(const std::string& zPath) {
+    std::error_code ignored;
+    return std::filesystem::exists(std::filesystem::symlink_status(zPath, ignored));
+}
+
 /// A device may tell any size; none counts for less than nothing.
 std::uint64_t Size(const tFileInfo& zInfo) {
     return static_cast<std::uint64_t>(std::max(zInfo.mSize, 0));
@@ -248,8 +254,12 @@ bool Controller::DownloadListing(const std::string& zDestination, const cDeviceD
 bool Controller::DownloadFile(const std::string& zDestination, const std::string& zDeviceDir,
                               const tFileInfo& zInfo, sListingProgress& zrProgress, sDownload& zrDownload) {
     const std::string localPath = LocalPathIn(zDestination, zInfo.mName);
-    std::string problem = ObstacleTo(localPath, zDeviceDir, zInfo.mName);
-    const int answer = problem.empty() ? AskForPlace(localPath, zrDownload) : CopyYes;
+    const bool isTaken = IsThere(localPath);
+    std::string problem = isTaken && IsFolder(localPath) ? "Could not open file" : "";
+    if (!mpSocket->CommandFits(eCommand::kDownload, zDeviceDir, zInfo.mName)) {
+        problem = "Path too long";
+    }
+    const int answer = problem.empty() ? AskForPlace(localPath, isTaken, zrDownload) : CopyYes;
     if (answer == CopyCancel) {
         return false;
     }
@@ -273,27 +283,22 @@ bool Controller::DownloadFile(const std::string& zDestination, const std::string
     return goOn;
 }
 
-/// What would make the download of a file fail before anything is fetched; "" when nothing would.
-std::string Controller::ObstacleTo(const std::string& zLocalPath, const std::string& zDeviceDir,
-                                   const std::string& zName) const {
-    if (!mpSocket->CommandFits(eCommand::kDownload, zDeviceDir, zName)) {
-        return "Path too long";
-    }
-    return IsFolder(zLocalPath) ? "Could not open file" : "";
-}
-
-/// Asks before anything that exists is lost: the file itself, and what stands where it arrives.
-int Controller::AskForPlace(const std::string& zLocalPath, sDownload& zrDownload) {
+/// Asks before anything that exists is lost: the file itself, where zIsTaken says that it is there, and what
+/// stands where it arrives.
+int Controller::AskForPlace(const std::string& zLocalPath, bool zIsTaken, sDownload& zrDownload) {
     int answer = CopyYes;
-    for (const std::string& path : {zLocalPath, zLocalPath + ".tmp"}) {
-        // A link that leads nowhere and a file that cannot be read would be lost as well.
-        std::error_code ignored;
-        const bool isTaken =
-            std::filesystem::exists(std::filesystem::symlink_status(path, ignored)) && !IsFolder(path);
-        if (isTaken && answer == CopyYes && !zrDownload.overwriteAll) {
-            answer = AskToOverwrite(false, path);
+    const auto askFor = [&](const std::string& zPath) {
+        if (answer == CopyYes && !zrDownload.overwriteAll) {
+            answer = AskToOverwrite(false, zPath);
             zrDownload.overwriteAll = answer == CopyYesToAll;
         }
+    };
+    if (zIsTaken) {
+        askFor(zLocalPath);
+    }
+    const std::string arrival = zLocalPath + ".tmp";
+    if (IsThere(arrival) && !IsFolder(arrival)) {
+        askFor(arrival);
     }
     return answer;
 }
