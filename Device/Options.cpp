@@ -34,7 +34,8 @@ constexpr std::array kOptions{
 
 void AddOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription("Serves a folder to clients of the device file-server protocol.");
-    parser.addHelpOption();
+    // The parser's own help option would bring a second one, for options that this program has not.
+    parser.addOption(QCommandLineOption(QStringList{"h", "help"}, "Displays help on commandline options."));
     for (const OptionText& option : kOptions) {
         parser.addOption(QCommandLineOption(option.name, option.meaning, option.value, option.standard));
     }

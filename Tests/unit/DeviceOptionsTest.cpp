@@ -8,6 +8,7 @@
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 class DeviceOptions : public ::testing::Test {
@@ -89,6 +90,7 @@ TEST_F(DeviceOptions, HelpNamesEveryOption) {
                              "--announce", "--announce-to", "--help"}) {
         EXPECT_THAT(options.message, HasSubstr(name));
     }
+    EXPECT_THAT(options.message, Not(HasSubstr("--help-all"))); // which there is not
 }
 
 struct BadCase {
