@@ -477,11 +477,11 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     </message>
     <message>
         <source>A folder with the name &apos;%s&apos; already exists.</source>
-        <translation>Ein Ordner mit dem Namen „%s“ ist bereits vorhanden.</translation>
+        <translation>Ein Ordner namens „%s“ ist bereits vorhanden.</translation>
     </message>
     <message>
         <source>A file with the name &apos;%s&apos; already exists.</source>
-        <translation>Eine Datei mit dem Namen „%s“ ist bereits vorhanden.</translation>
+        <translation>Eine Datei namens „%s“ ist bereits vorhanden.</translation>
     </message>
     <message>
         <source>Any files in the destination folder with the same name as those in the source folder will be replaced.  Do you still want to copy the folder?</source>

@@ -11,6 +11,7 @@
 #include <QtWidgets/QRadioButton>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace {
@@ -22,6 +23,10 @@ using ::testing::StartsWith;
 struct sGerman {
     Translation mTranslation{QStringList{"de"}};
 };
+
+bool HasRoom(const QPushButton* zpButton) {
+    return zpButton->width() >= zpButton->sizeHint().width();
+}
 
 class InGerman : private sGerman, public WindowFixture {
 protected:
@@ -73,6 +78,19 @@ TEST_F(InGerman, TheMainWindowHasGermanWordsAndItsKeys) {
     auto& table = Control<DeviceTableView>(mWindow, "Ordner auf dem Gerät");
     EXPECT_THAT(table.accessibleDescription().toStdString(), StartsWith("Auf „Verbinden“ drücken, dann"));
     EXPECT_EQ(table.model()->headerData(2, Qt::Horizontal).toString().toStdString(), "Änderungsdatum");
+}
+
+TEST_F(InGerman, TheSmallestWindowHasRoomForEveryButton) {
+    for (const int points : {mWindow.font().pointSize(), 16}) {
+        QFont font = mWindow.font();
+        font.setPointSize(points);
+        mWindow.setFont(font);
+        mWindow.resize(1, 1);
+        const QList<QPushButton*> buttons = mWindow.centralWidget()->findChildren<QPushButton*>();
+        EXPECT_TRUE(WaitFor([&] { return std::ranges::all_of(buttons, HasRoom); })) << points << " points";
+        EXPECT_GE(mWindow.width(), 640);
+        EXPECT_GE(mWindow.height(), 360);
+    }
 }
 
 TEST_F(InGerman, AListingAndTheStatusAreInGerman) {
