@@ -2,6 +2,7 @@
 #include "MainWindow.h"
 #include "OpenPanel.h"
 #include "TerminationSignals.h"
+#include "Translation.h"
 
 #include <QtWidgets/QApplication>
 
@@ -17,6 +18,7 @@ int main(int argc, char** argv) {
     // The controller ends the event loop, after it has ended what runs in it.
     QApplication::setQuitOnLastWindowClosed(false);
 
+    const Translation translation(QLocale::system());
     MainWindow window;
     FileDialogPanel panel;
     Controller controller(window, panel);

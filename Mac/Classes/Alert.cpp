@@ -71,7 +71,8 @@ int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& z
     QMessageBox box(zpParent);
     box.setWindowTitle(QStringLiteral("Quillbox"));
     box.setText(ToWidgetText(Translated(zTitle)));
-    box.setInformativeText(ToWidgetText(Abbreviated(ExpandTemplate(Translated(zMessage)), kLongestMessage)));
+    const std::string message = ExpandTemplate(TranslatedMessage(zMessage));
+    box.setInformativeText(ToWidgetText(Abbreviated(message, kLongestMessage)));
     ArrangeTexts(box);
     QPushButton* first = AddButtons(box, zKind);
     box.setDefaultButton(first);

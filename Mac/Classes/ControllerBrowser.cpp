@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <map>
 #include <numeric>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -29,6 +30,16 @@ const std::string& ValueOf(const sTableEntry& zEntry, const std::string& zColumn
     static const std::string kNothing;
     const auto value = kValues.find(zColumn);
     return value == kValues.end() ? kNothing : zEntry.*(value->second);
+}
+
+/// Not FormatString: a device chooses the extension, which may be long.
+std::string FileType(const std::string& zExtension) {
+    static constexpr std::string_view kMark = "%s";
+    if (zExtension.empty()) {
+        return Translated(" file");
+    }
+    std::string type = Translated("%s file");
+    return type.replace(type.find(kMark), kMark.size(), zExtension);
 }
 
 /// Icon names of the desktop themes, by a file's lower-case extension.
@@ -57,8 +68,7 @@ void Controller::RemoveAllRows() {
 sTableEntry Controller::MakeTableEntry(const cClientProtocol::cDeviceFileInfo& zrInfo) const {
     sTableEntry entry;
     entry.Name = zrInfo.mName;
-    entry.Type =
-        zrInfo.mIsFolder ? Translated("Folder") : GetExtension(zrInfo.mName) + " " + Translated("file");
+    entry.Type = zrInfo.mIsFolder ? Translated("Folder") : FileType(GetExtension(zrInfo.mName));
     entry.DateModified = zrInfo.mIsFolder ? std::string() : zrInfo.mDate;
     entry.FileInfo = FileInfoValue(&zrInfo);
     return entry;
@@ -140,7 +150,7 @@ void Controller::OpenFolder(const std::string& zPath) {
     if (mpSocket->CommandFits(cClientProtocol::eCommand::kDir, zPath)) {
         SetCurrentDirectory(zPath);
     } else {
-        SetStatusText(GetFileName(zPath) + " - " + Translated("Path too long"));
+        SetStatusText(NameAndReason(GetFileName(zPath), "Path too long"));
     }
 }
 

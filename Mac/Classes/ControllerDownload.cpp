@@ -25,10 +25,6 @@ std::string LocalPathIn(const std::string& zFolder, const std::string& zName) {
     return zFolder + (zFolder.ends_with('/') ? "" : "/") + zName;
 }
 
-std::string ErrorFor(const std::string& zName, const std::string& zReason) {
-    return zName + " - " + Translated(zReason);
-}
-
 /// People's link to a folder may lead anywhere, and a device must not choose to follow it.
 bool IsLink(const std::string& zPath) {
     std::error_code ignored;
@@ -220,11 +216,11 @@ bool Controller::DownloadFolder(const std::string& zDestination, const std::stri
     const std::string localPath = LocalPathIn(zDestination, zInfo.mName);
     const std::string devicePath = DevicePathIn(zDeviceDir, zInfo.mName);
     if (!mpSocket->CommandFits(eCommand::kDir, devicePath)) {
-        zrDownload.errorStr = ErrorFor(zInfo.mName, "Path too long");
+        zrDownload.errorStr = NameAndReason(zInfo.mName, "Path too long");
         return false;
     }
     if (IsLink(localPath)) {
-        zrDownload.errorStr = ErrorFor(zInfo.mName, "Could not open file");
+        zrDownload.errorStr = NameAndReason(zInfo.mName, "Could not open file");
         return false;
     }
     MakeFolder(localPath); // leaves alone, unopened, what is there already
@@ -243,7 +239,7 @@ bool Controller::DownloadListing(const std::string& zDestination, const cDeviceD
                                  const std::string& zName, sDownload& zrDownload) {
     zrDownload.numOpenEntries += zList.mFile.size();
     if (zrDownload.numOpenEntries > kMostOpenEntries) {
-        zrDownload.errorStr = ErrorFor(zName, "Too many files");
+        zrDownload.errorStr = NameAndReason(zName, "Too many files");
         return false;
     }
     const bool walked = DownloadFilesRecurse(zDestination, zList, zrDownload);
@@ -273,7 +269,7 @@ bool Controller::DownloadFile(const std::string& zDestination, const std::string
         problem = mpSocket->Download(localPath, zDeviceDir, zInfo.mName);
     }
     if (!problem.empty()) {
-        zrDownload.errorStr = ErrorFor(zInfo.mName, problem);
+        zrDownload.errorStr = NameAndReason(zInfo.mName, problem);
         return false;
     }
     const bool goOn = WaitForDownload(zInfo, zrProgress, zrDownload);

@@ -102,7 +102,7 @@ std::string Controller::DeleteRows(const std::vector<int>& zRows) {
         }
         const std::string path = DevicePathIn(mCurrentDirList.mDir, info->mName);
         if (!mpSocket->CommandFits(eCommand::kDelete, path)) {
-            errorText = info->mName + " - " + Translated("Path too long");
+            errorText = NameAndReason(info->mName, "Path too long");
             continue;
         }
         mpSocket->Delete(path);
@@ -163,7 +163,7 @@ std::string Controller::CreateFolder(const std::string& zTypedName) {
     }
     const std::string path = DevicePathIn(mCurrentDirList.mDir, name);
     if (!mpSocket->CommandFits(eCommand::kMakeDir, path)) {
-        return name + " - " + Translated("Path too long");
+        return NameAndReason(name, "Path too long");
     }
     if (std::ranges::any_of(mCurrentDirList.mFile,
                             [&](const tFileInfo& info) { return SameTextNoCase(info.mName, name); })) {

@@ -186,7 +186,7 @@ std::string Controller::GetLastError() const {
 }
 
 void Controller::SetStatusText(const std::string& zText) {
-    const QString text = ToWidgetText(Translated(zText));
+    const QString text = ToWidgetText(TranslatedMessage(zText));
     mpStatusText->setText(text);
     mpStatusText->setAccessibleDescription(text);
     mpStatusText->setCursorPosition(0);

@@ -232,11 +232,11 @@ bool Controller::UploadFile(const std::string& zPath, sUpload& zrUpload) {
     AddTrailingSeparator(name);
     name += record.deviceName;
     if (EndsTheCommand(name)) {
-        zrUpload.errorText = record.deviceName + " - " + Translated("Not a name for a device");
+        zrUpload.errorText = NameAndReason(record.deviceName, "Not a name for a device");
         return false;
     }
     if (!mpSocket->CommandFits(eCommand::kUpload, zrUpload.devicePath, name)) {
-        zrUpload.errorText = record.deviceName + " - " + Translated("Path too long");
+        zrUpload.errorText = NameAndReason(record.deviceName, "Path too long");
         return false;
     }
     mpSocket->Upload(record.outputPath, zrUpload.devicePath, name);

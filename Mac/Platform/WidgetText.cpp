@@ -1,11 +1,16 @@
 #include "WidgetText.h"
 
+#include "TranslatedTexts.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QStringDecoder>
+
+#include <string_view>
 
 namespace {
 
 constexpr const char* kTranslationContext = "Quillbox";
+constexpr std::string_view kNameMark = "%s";
 constexpr char16_t kControlPictures = 0x2400;
 constexpr char16_t kDeleteCharacter = 0x7F;
 constexpr char16_t kDeletePicture = 0x2421;
@@ -29,6 +34,20 @@ QChar Harmless(QChar zCharacter) {
     }
     const bool turnsDirection = (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
     return turnsDirection ? QChar(QChar::ReplacementCharacter) : zCharacter;
+}
+
+/// For a text that came with a name in it: the words around the name are translated, and its bytes stay.
+std::string TranslatedAroundName(const std::string& zText) {
+    for (const std::string_view source : TextsAroundNames()) {
+        const std::string_view head = source.substr(0, source.find(kNameMark));
+        const std::string_view tail = source.substr(head.size() + kNameMark.size());
+        if (zText.size() >= head.size() + tail.size() && zText.starts_with(head) && zText.ends_with(tail)) {
+            const std::size_t length = zText.size() - head.size() - tail.size();
+            std::string words = Translated(source.data());
+            return words.replace(words.find(kNameMark), kNameMark.size(), zText, head.size(), length);
+        }
+    }
+    return zText;
 }
 
 } // namespace
@@ -55,4 +74,16 @@ std::string Translated(const std::string& zSource) {
     const QString words = QCoreApplication::translate(kTranslationContext, zSource.c_str());
     // Without a translation the bytes stay what they were, also where they are no valid UTF-8.
     return words == QString::fromUtf8(zSource.c_str()) ? zSource : words.toStdString();
+}
+
+std::string TranslatedMessage(const std::string& zText) {
+    const std::string words = Translated(zText);
+    return words == zText ? TranslatedAroundName(zText) : words;
+}
+
+std::string NameAndReason(const std::string& zName, const std::string& zReason) {
+    std::string text = Translated("%s - %s");
+    // The last mark first: a name may hold any characters.
+    text.replace(text.rfind(kNameMark), kNameMark.size(), Translated(zReason));
+    return text.replace(text.find(kNameMark), kNameMark.size(), zName);
 }

@@ -17,3 +17,10 @@ std::string FromWidgetText(const QString& zText);
 /// The user's language for an English source text; the text itself where there is no translation.
 std::string Translated(const char* zSource);
 std::string Translated(const std::string& zSource);
+
+/// The same for what comes out of the toolkit-free rooms, where it may be one of TextsAroundNames with its
+/// name.
+std::string TranslatedMessage(const std::string& zText);
+
+/// What went wrong with something, as in "song.wav - Path too long"; the reason is a source text.
+std::string NameAndReason(const std::string& zName, const std::string& zReason);

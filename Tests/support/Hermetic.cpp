@@ -23,6 +23,7 @@ void UseFolder(const char* variable, const std::filesystem::path& folder) {
 } // namespace
 
 HermeticHome::HermeticHome() : mRoot(MakeFreshFolder()) {
+    ::setenv("LC_ALL", "C.UTF-8", 1); // the system's words for its errors too
     UseFolder("HOME", mRoot / "home");
     UseFolder("XDG_CONFIG_HOME", mRoot / "home/.config");
     UseFolder("XDG_DATA_HOME", mRoot / "home/.local/share");

@@ -27,7 +27,7 @@ inline QString AccessibleText(QWidget& zrWidget, QAccessible::Text zKind) {
 template <typename Widget>
 Widget& Control(QWidget& zrWindow, const char* zName) {
     for (Widget* widget : zrWindow.findChildren<Widget*>()) {
-        if (AccessibleText(*widget, QAccessible::Name) == QLatin1String(zName)) {
+        if (AccessibleText(*widget, QAccessible::Name) == QString::fromUtf8(zName)) {
             return *widget;
         }
     }

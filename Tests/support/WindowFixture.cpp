@@ -79,7 +79,7 @@ WindowFixture::Names WindowFixture::SelectedNames() {
 QAction& WindowFixture::MenuEntry(const char* zText) {
     for (const QMenu* menu : mWindow.menuBar()->findChildren<QMenu*>()) {
         for (QAction* entry : menu->actions()) {
-            if (entry->text().remove(QLatin1Char('&')) == QLatin1String(zText)) {
+            if (entry->text().remove(QLatin1Char('&')) == QString::fromUtf8(zText)) {
                 return *entry;
             }
         }
