@@ -31,18 +31,6 @@ const std::string& ValueOf(const sTableEntry& zEntry, const std::string& zColumn
     return value == kValues.end() ? kNothing : zEntry.*(value->second);
 }
 
-/// Icon names of the desktop themes, by a file's lower-case extension.
-std::string IconNameForExtension(const std::string& zExtension) {
-    static const std::map<QString, std::string> kNames = {
-        {"wav", "audio-x-generic"},  {"aif", "audio-x-generic"}, {"aiff", "audio-x-generic"},
-        {"aifc", "audio-x-generic"}, {"mp3", "audio-x-generic"}, {"flac", "audio-x-generic"},
-        {"ogg", "audio-x-generic"},  {"jpg", "image-x-generic"}, {"jpeg", "image-x-generic"},
-        {"png", "image-x-generic"},  {"gif", "image-x-generic"}, {"mp4", "video-x-generic"},
-        {"zip", "package-x-generic"}};
-    const auto name = kNames.find(ToWidgetText(zExtension).toLower());
-    return name == kNames.end() ? "text-x-generic" : name->second;
-}
-
 } // namespace
 
 // --- Rows ---
