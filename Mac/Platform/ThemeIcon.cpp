@@ -2,8 +2,6 @@
 
 #include "WidgetText.h"
 
-#include <QtCore/QFile>
-
 #include <algorithm>
 #include <array>
 #include <map>
@@ -25,9 +23,6 @@ bool IsTakenFromTheme(const std::string& zName) {
 
 QIcon OwnIcon(const std::string& zName) {
     const QString file = QStringLiteral(":/quillbox/%1.svg").arg(QString::fromStdString(zName));
-    if (!QFile::exists(file)) {
-        return {};
-    }
     QIcon icon(file);
     icon.addFile(file, {}, QIcon::Selected); // or it would be tinted like what it lies on
     return icon;
