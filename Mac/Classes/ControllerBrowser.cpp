@@ -216,8 +216,11 @@ void Controller::tableViewColumnDidResize() {
 
 void Controller::UpdateControls() {
     const bool connected = IsConnected();
-    mpConnectButton->setText(QCoreApplication::translate("Quillbox", connected ? "Dis&connect" : "&Connect"));
-    mpConnectButton->setIcon(ThemeIcon(connected ? "network-disconnect" : "network-connect"));
+    const QString words = QCoreApplication::translate("Quillbox", connected ? "Dis&connect" : "&Connect");
+    if (mpConnectButton->text() != words) { // every change of the selection comes here
+        mpConnectButton->setText(words);
+        mpConnectButton->setIcon(ThemeIcon(connected ? "network-disconnect" : "network-connect"));
+    }
     mpDirectoryText->setEnabled(connected);
     tableView->setEnabled(connected);
     if (connected) {
