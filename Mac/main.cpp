@@ -2,6 +2,7 @@
 #include "MainWindow.h"
 #include "OpenPanel.h"
 #include "TerminationSignals.h"
+#include "ThemeIcon.h"
 #include "Translation.h"
 
 #include <QtWidgets/QApplication>
@@ -15,6 +16,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName("Quillbox");
     QApplication::setApplicationVersion(QUILLBOX_VERSION);
     QApplication::setDesktopFileName("quillbox");
+    QApplication::setWindowIcon(ThemeIcon("quillbox"));
     // The controller ends the event loop, after it has ended what runs in it.
     QApplication::setQuitOnLastWindowClosed(false);
 

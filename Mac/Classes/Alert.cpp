@@ -2,11 +2,13 @@
 
 #include "CommonUtils.h"
 #include "ModalSession.h"
+#include "ThemeIcon.h"
 #include "WidgetText.h"
 
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QStyle>
 
 #include <algorithm>
 #include <array>
@@ -22,26 +24,31 @@ constexpr std::size_t kLongestMessage = 1000;
 
 struct sAlertKind {
     int kind;
-    QMessageBox::Icon icon;
+    const char* icon;
     const char* first;
     const char* second; ///< null: none
 };
 
 constexpr std::array kAlertKinds = {
-    sAlertKind{AlertOk, QMessageBox::Warning, "OK", nullptr},
-    sAlertKind{AlertYesNo, QMessageBox::Question, "Yes", "No"},
-    sAlertKind{AlertOkCancel, QMessageBox::Question, "OK", "Cancel"},
+    sAlertKind{AlertOk, "dialog-warning", "OK", nullptr},
+    sAlertKind{AlertYesNo, "dialog-question", "Yes", "No"},
+    sAlertKind{AlertOkCancel, "dialog-question", "OK", "Cancel"},
 };
 
 QPushButton* AddButton(QMessageBox& zrBox, const char* zText, QMessageBox::ButtonRole zRole) {
     return zrBox.addButton(ToWidgetText(Translated(zText)), zRole);
 }
 
-/// Adds the buttons of a kind and returns the first.
+void ShowIcon(QMessageBox& zrBox, const char* zName) {
+    const int side = zrBox.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &zrBox);
+    zrBox.setIconPixmap(ThemeIcon(zName).pixmap(QSize(side, side), zrBox.devicePixelRatioF()));
+}
+
+/// Adds the icon and the buttons of a kind and returns the first button.
 QPushButton* AddButtons(QMessageBox& zrBox, int zKind) {
     for (const sAlertKind& row : kAlertKinds) {
         if (row.kind == zKind) {
-            zrBox.setIcon(row.icon);
+            ShowIcon(zrBox, row.icon);
             QPushButton* first = AddButton(zrBox, row.first, QMessageBox::AcceptRole);
             if (row.second != nullptr) {
                 zrBox.setEscapeButton(AddButton(zrBox, row.second, QMessageBox::RejectRole));
@@ -52,11 +59,20 @@ QPushButton* AddButtons(QMessageBox& zrBox, int zKind) {
     return zrBox.addButton(QMessageBox::Ok);
 }
 
-/// Shows every text of the box as it stands, which the box itself does for its main text only, and gives
-/// a sentence the room to be read in few lines.
+void MakeBold(QLabel& zrLabel) {
+    QFont font = zrLabel.font();
+    font.setBold(true);
+    zrLabel.setFont(font);
+}
+
+/// Shows every text of the box as it stands, which the box itself does for its main text only, makes that
+/// one bold, and gives a sentence the room to be read in few lines.
 void ArrangeTexts(QMessageBox& zrBox) {
     for (auto* label : zrBox.findChildren<QLabel*>()) {
         label->setTextFormat(Qt::PlainText);
+        if (label->text() == zrBox.text()) {
+            MakeBold(*label);
+        }
         if (label->wordWrap()) {
             const int unit = label->fontMetrics().averageCharWidth();
             const int wanted = label->minimumSizeHint().width();
@@ -65,17 +81,29 @@ void ArrangeTexts(QMessageBox& zrBox) {
     }
 }
 
+void SetTexts(QMessageBox& zrBox, const std::string& zTitle, const std::string& zMessage) {
+    zrBox.setWindowTitle(QStringLiteral("Quillbox"));
+    zrBox.setText(ToWidgetText(Translated(zTitle)));
+    const std::string message = ExpandTemplate(TranslatedMessage(zMessage));
+    zrBox.setInformativeText(ToWidgetText(Abbreviated(message, kLongestMessage)));
+    ArrangeTexts(zrBox);
+}
+
 } // namespace
 
 int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage, int zKind) {
     QMessageBox box(zpParent);
-    box.setWindowTitle(QStringLiteral("Quillbox"));
-    box.setText(ToWidgetText(Translated(zTitle)));
-    const std::string message = ExpandTemplate(TranslatedMessage(zMessage));
-    box.setInformativeText(ToWidgetText(Abbreviated(message, kLongestMessage)));
-    ArrangeTexts(box);
+    SetTexts(box, zTitle, zMessage);
     QPushButton* first = AddButtons(box, zKind);
     box.setDefaultButton(first);
     ModalSession::RunModal(box);
     return box.clickedButton() == first ? 1 : 0;
+}
+
+void ShowAbout(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage) {
+    QMessageBox box(zpParent);
+    SetTexts(box, zTitle, zMessage);
+    box.setDefaultButton(AddButtons(box, AlertOk));
+    ShowIcon(box, "quillbox");
+    ModalSession::RunModal(box);
 }

@@ -11,3 +11,6 @@ enum { AlertOk = 0, AlertYesNo = 1, AlertOkCancel = 2 };
 /// arguments ("%%" is shown as "%"). Returns 1 for the first button, 0 for the second, for closing the alert
 /// and for quitting.
 int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage, int zKind);
+
+/// Shows in the same way, with the program's icon and "OK", what the program says of itself.
+void ShowAbout(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage);

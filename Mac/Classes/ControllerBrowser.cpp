@@ -42,18 +42,6 @@ std::string FileType(const std::string& zExtension) {
     return type.replace(type.find(kMark), kMark.size(), zExtension);
 }
 
-/// Icon names of the desktop themes, by a file's lower-case extension.
-std::string IconNameForExtension(const std::string& zExtension) {
-    static const std::map<QString, std::string> kNames = {
-        {"wav", "audio-x-generic"},  {"aif", "audio-x-generic"}, {"aiff", "audio-x-generic"},
-        {"aifc", "audio-x-generic"}, {"mp3", "audio-x-generic"}, {"flac", "audio-x-generic"},
-        {"ogg", "audio-x-generic"},  {"jpg", "image-x-generic"}, {"jpeg", "image-x-generic"},
-        {"png", "image-x-generic"},  {"gif", "image-x-generic"}, {"mp4", "video-x-generic"},
-        {"zip", "package-x-generic"}};
-    const auto name = kNames.find(ToWidgetText(zExtension).toLower());
-    return name == kNames.end() ? "text-x-generic" : name->second;
-}
-
 } // namespace
 
 // --- Rows ---
@@ -238,8 +226,11 @@ void Controller::tableViewColumnDidResize() {
 
 void Controller::UpdateControls() {
     const bool connected = IsConnected();
-    mpConnectButton->setText(QCoreApplication::translate("Quillbox", connected ? "Dis&connect" : "&Connect"));
-    mpConnectButton->setIcon(ThemeIcon(connected ? "network-disconnect" : "network-connect"));
+    const QString words = QCoreApplication::translate("Quillbox", connected ? "Dis&connect" : "&Connect");
+    if (mpConnectButton->text() != words) { // every change of the selection comes here
+        mpConnectButton->setText(words);
+        mpConnectButton->setIcon(ThemeIcon(connected ? "network-disconnect" : "network-connect"));
+    }
     mpDirectoryText->setEnabled(connected);
     tableView->setEnabled(connected);
     if (connected) {

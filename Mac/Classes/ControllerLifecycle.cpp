@@ -77,8 +77,8 @@ bool Controller::Perform(const std::function<void()>& zOperation) {
 }
 
 void Controller::OnAbout() {
-    ShowMessage("Quillbox " + FromWidgetText(QCoreApplication::applicationVersion()),
-                Translated("Browses your device on the network and copies files to this computer."));
+    ShowAbout(&mrWindow, "Quillbox " + FromWidgetText(QCoreApplication::applicationVersion()),
+              Translated("Browses your device on the network and copies files to this computer."));
 }
 
 void Controller::OnUserGuide() {

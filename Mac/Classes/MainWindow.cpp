@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr int kNameWidth = 420;
-constexpr int kTypeWidth = 130;
-constexpr int kDateWidth = 160;
+// Widths in characters; names get what is left of the window's width.
+constexpr int kTypeWidth = 18;
+constexpr int kDateWidth = 26;
 
 std::vector<sTableColumn> DeviceColumns() {
     return {{"Name", Translated("Name")},
@@ -59,10 +59,9 @@ void MainWindow::SetUpTable() {
     mpUi->tableView->setModel(mpModel);
     QHeaderView* header = mpUi->tableView->horizontalHeader();
     header->setSortIndicator(1, Qt::AscendingOrder);
-    header->resizeSection(0, kNameWidth);
-    header->resizeSection(1, kTypeWidth);
-    header->resizeSection(2, kDateWidth);
-    header->setStretchLastSection(true);
+    const int unit = header->fontMetrics().averageCharWidth();
+    header->resizeSection(1, unit * kTypeWidth);
+    header->resizeSection(2, unit * kDateWidth);
 }
 
 void MainWindow::SetUpIcons() {
@@ -72,6 +71,10 @@ void MainWindow::SetUpIcons() {
     mpUi->deleteButton->setIcon(ThemeIcon("edit-delete"));
     mpUi->uploadButton->setIcon(ThemeIcon("document-send"));
     mpUi->downloadButton->setIcon(ThemeIcon("document-save"));
+    mpUi->quitAction->setIcon(ThemeIcon("application-exit"));
+    mpUi->refreshAction->setIcon(ThemeIcon("view-refresh"));
+    mpUi->userGuideAction->setIcon(ThemeIcon("help-contents"));
+    mpUi->aboutAction->setIcon(ThemeIcon("quillbox"));
 }
 
 void MainWindow::Attach(Controller& zrController) {

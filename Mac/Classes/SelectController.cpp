@@ -5,6 +5,7 @@
 #include "DeferredCall.h"
 #include "ModalSession.h"
 #include "Settings.h"
+#include "ThemeIcon.h"
 #include "UserGuide.h"
 #include "WidgetText.h"
 #include "ui_SelectView.h"
@@ -13,7 +14,6 @@
 #include <QtCore/QRegularExpression>
 #include <QtGui/QClipboard>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QStyle>
 
 #include <algorithm>
 #include <array>
@@ -85,7 +85,7 @@ QStringList PastedAddress(const QString& zText, bool zWasEmpty) {
 }
 
 QIcon NewsIcon() {
-    return QApplication::style()->standardIcon(QStyle::SP_MessageBoxInformation);
+    return ThemeIcon("dialog-information");
 }
 
 QSize SizeWithIcon(const QPushButton& zrButton) {

@@ -7,6 +7,7 @@
 #include <QtGui/QDropEvent>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
+#include <QtGui/QResizeEvent>
 #include <QtWidgets/QHeaderView>
 
 #include <algorithm>
@@ -25,6 +26,11 @@ DeviceTableView::DeviceTableView(QWidget* zpParent) : QTableView(zpParent) {
     verticalHeader()->hide();
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int zColumn) {
+        if (zColumn < horizontalHeader()->count() - 1) {
+            FitLastColumn();
+        }
+    });
 }
 
 void DeviceTableView::SetPlaceholder(const QString& zText) {
@@ -51,6 +57,34 @@ void DeviceTableView::paintEvent(QPaintEvent* zpEvent) {
     painter.setPen(palette().color(QPalette::PlaceholderText));
     painter.drawText(viewport()->rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap,
                      mPlaceholder);
+}
+
+// --- Columns ---
+
+/// The first column gets what the table gains and gives what it loses: names are what needs the room.
+void DeviceTableView::resizeEvent(QResizeEvent* zpEvent) {
+    QTableView::resizeEvent(zpEvent);
+    QHeaderView& header = *horizontalHeader();
+    if (header.count() > 0) {
+        const int before = viewport()->isVisible() ? zpEvent->oldSize().width() : WantedWidth();
+        const int gain = zpEvent->size().width() - before;
+        header.resizeSection(0, std::max(header.minimumSectionSize(), header.sectionSize(0) + gain));
+        FitLastColumn();
+    }
+}
+
+/// The width of all columns, the last one being as wide as its heading.
+int DeviceTableView::WantedWidth() const {
+    const QHeaderView& header = *horizontalHeader();
+    const int last = header.count() - 1;
+    return header.length() - header.sectionSize(last) + header.sectionSizeHint(last);
+}
+
+/// The header's own way of stretching the last column lags behind the other columns.
+void DeviceTableView::FitLastColumn() {
+    const int last = horizontalHeader()->count() - 1;
+    const int room = viewport()->width() - horizontalHeader()->length() + columnWidth(last);
+    setColumnWidth(last, std::max(horizontalHeader()->sectionSizeHint(last), room));
 }
 
 // --- Drags ---

@@ -36,12 +36,15 @@ signals:
 protected:
     void keyPressEvent(QKeyEvent* zpEvent) override;
     void paintEvent(QPaintEvent* zpEvent) override;
+    void resizeEvent(QResizeEvent* zpEvent) override;
     void dragEnterEvent(QDragEnterEvent* zpEvent) override;
     void dragMoveEvent(QDragMoveEvent* zpEvent) override;
     void dropEvent(QDropEvent* zpEvent) override;
     void startDrag(Qt::DropActions zActions) override;
 
 private:
+    int WantedWidth() const;
+    void FitLastColumn();
     void Consider(QDropEvent& zrEvent);
     int RowAt(const QDropEvent& zEvent) const;
 

@@ -132,7 +132,7 @@ QDrag* MakeDrag(QWidget& zrSource, const std::shared_ptr<Promise>& zrpPromise) {
     constexpr int kSize = 32;
     auto* drag = new QDrag(&zrSource);
     drag->setMimeData(new PromiseMime(zrpPromise));
-    drag->setPixmap(ThemeIcon("text-x-generic").pixmap(kSize, kSize));
+    drag->setPixmap(ThemeIcon("application-octet-stream").pixmap(kSize, kSize));
     return drag;
 }
 

@@ -450,6 +450,7 @@ TEST_F(Alerts, ShowsTitleAndMessageAsPlainText) {
         EXPECT_EQ(zrBox.informativeText(), QStringLiteral(u"<b>Kick</b> 100% of %s and % \u240A"));
         for (const QLabel* label : zrBox.findChildren<QLabel*>()) {
             EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->objectName().toStdString();
+            EXPECT_EQ(label->font().bold(), label->text() == zrBox.text());
         }
         EXPECT_FALSE(zrBox.isModal());
         PressEscape(zrBox);

@@ -1,5 +1,6 @@
 #include "WindowFixture.h"
 
+#include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
@@ -58,6 +59,26 @@ TEST_F(MainWindowTest, ColumnsHaveTheirHeadings) {
         headings.push_back(model.headerData(column, Qt::Horizontal).toString().toStdString());
     }
     EXPECT_THAT(headings, ElementsAre("Name", "Type", "Date Modified", "Waveform"));
+}
+
+TEST_F(MainWindowTest, ColumnsFillTheWindowAndNamesGetTheMost) {
+    const QHeaderView& header = *Table().horizontalHeader();
+    for (const QSize& size : {mWindow.minimumSize(), QSize(1400, 800)}) {
+        mWindow.resize(size);
+        EXPECT_EQ(header.length(), Table().viewport()->width());
+        for (int column = 1; column < header.count(); ++column) {
+            EXPECT_GE(header.sectionSize(0), header.sectionSize(column)) << column;
+            EXPECT_GE(header.sectionSize(column), header.sectionSizeHint(column)) << column;
+        }
+    }
+}
+
+TEST_F(MainWindowTest, ADateIsNotCut) {
+    mDevice.AddFile("a.wav");
+    ASSERT_TRUE(ConnectTo(mDevice));
+    const int date = Table().horizontalHeader()->sectionSize(2);
+    Table().resizeColumnToContents(2);
+    EXPECT_GE(date, Table().columnWidth(2));
 }
 
 TEST_F(MainWindowTest, ANameCutForSpaceIsWholeInItsDescription) {

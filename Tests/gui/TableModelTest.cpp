@@ -225,6 +225,47 @@ TEST_F(DeviceTableViewTest, AnEmptyTableShowsItsPlaceholder) {
     EXPECT_NE(withPlaceholder, withRows);
 }
 
+// --- Columns ---
+
+TEST_F(DeviceTableViewTest, TheFirstColumnGetsWhatTheTableGains) {
+    const QHeaderView& header = *mView.horizontalHeader();
+    const int first = header.sectionSize(0);
+    const int second = header.sectionSize(1);
+    const int last = header.sectionSize(2);
+    mView.resize(800, 300);
+    EXPECT_EQ(header.sectionSize(0), first + 200);
+    mView.resize(500, 300);
+    EXPECT_EQ(header.sectionSize(0), first - 100);
+    EXPECT_EQ(header.sectionSize(1), second);
+    EXPECT_EQ(header.sectionSize(2), last);
+    mView.resize(100, 300);
+    EXPECT_EQ(header.sectionSize(0), header.minimumSectionSize());
+    EXPECT_EQ(header.sectionSize(1), second);
+}
+
+TEST_F(DeviceTableViewTest, TheColumnsFillTheTableFromTheStart) {
+    DeviceTableView view;
+    view.setModel(&mModel);
+    QHeaderView& header = *view.horizontalHeader();
+    header.resizeSection(1, 130);
+    view.resize(700, 300);
+    ShowActive(view);
+    EXPECT_EQ(header.length(), view.viewport()->width());
+    EXPECT_EQ(header.sectionSize(1), 130);
+    EXPECT_EQ(header.sectionSize(2), header.sectionSizeHint(2));
+    EXPECT_GT(header.sectionSize(0), 400);
+}
+
+TEST_F(DeviceTableViewTest, AColumnKeepsTheWidthThatPeopleGaveIt) {
+    QHeaderView& header = *mView.horizontalHeader();
+    header.resizeSection(0, 222);
+    header.resizeSection(1, 77);
+    mView.resize(mView.width() + 50, 300);
+    EXPECT_EQ(header.sectionSize(0), 272);
+    EXPECT_EQ(header.sectionSize(1), 77);
+    EXPECT_EQ(header.length(), mView.viewport()->width());
+}
+
 // --- Drags that begin here ---
 
 class RowDragTest : public TableModelTest {
