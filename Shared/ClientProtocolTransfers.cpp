@@ -41,9 +41,6 @@ std::FILE* CreateTempFile(const std::string& zPath) {
     if (pFile == nullptr && errno == EEXIST && IsLeftover(zPath) && ::unlink(zPath.c_str()) == 0) {
         pFile = OpenFile(zPath, "wbx");
     }
-    if (pFile != nullptr) { // its content comes in large pieces
-        static_cast<void>(std::setvbuf(pFile, nullptr, _IONBF, 0));
-    }
     return pFile;
 }
 
