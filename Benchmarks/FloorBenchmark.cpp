@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -74,6 +75,9 @@ public:
         address.sin_family = AF_INET;
         address.sin_port = htons(kDevicePort);
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        const int noDelay = 1; // as the program and the device have it
+        Checked(::setsockopt(mSocket.Get(), IPPROTO_TCP, TCP_NODELAY, &noDelay, sizeof noDelay),
+                "setsockopt");
         Checked(::connect(mSocket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
                 "connect");
         ReadText("</welcome>");

@@ -158,8 +158,7 @@ void Run(const char* zMapsFile, char** zpCommand) {
     const double seconds = SecondsToPaint(display, program, start);
     std::this_thread::sleep_for(kSettle);
     program.RequireRunning();
-    std::printf("{\"seconds\": %.9f, \"peak_kib\": %ld, \"rss_kib\": %ld}\n", seconds,
-                MemoryKib("VmHWM", program.Id()), MemoryKib("VmRSS", program.Id()));
+    std::printf("{\"seconds\": %.9f, \"settled_kib\": %ld}\n", seconds, MemoryKib("VmRSS", program.Id()));
     std::ofstream(zMapsFile) << std::ifstream("/proc/" + program.Id() + "/maps").rdbuf();
 }
 

@@ -12,6 +12,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <fstream>
@@ -25,14 +26,15 @@ namespace {
 
 constexpr int kEntries = 4000;
 constexpr int kNameColumn = 0;
-constexpr int kTypeColumn = 1;
+constexpr std::array<const char*, 3> kExtensions = {".wav", ".txt", ".aif"};
 
 class LargeFolder {
 public:
     LargeFolder() {
         for (int number = 0; number < kEntries; ++number) {
-            const std::string name =
-                "Harbour recordings, night, " + std::to_string(100'000 + number * 7919 % kEntries) + ".wav";
+            const std::string name = "Harbour recordings, night, " +
+                                     std::to_string(100'000 + number * 7919 % kEntries) +
+                                     kExtensions[static_cast<std::size_t>(number) % kExtensions.size()];
             std::ofstream(mFolder.filePath(QString::fromStdString(name)).toStdString()) << number;
         }
         mDevice.start(QUILLBOX_DEVICE, {"--root", mFolder.path(), "--address", "127.0.0.1"});
@@ -94,10 +96,8 @@ void ListAndPaint(benchmark::State& zrState) {
 /// A click on a header, until the rows stand in their new order.
 void ClickAndPaint(benchmark::State& zrState) {
     LargeListing listing;
-    bool byName = false;
     for ([[maybe_unused]] auto round : zrState) {
-        byName = !byName;
-        listing.Window().ClickHeader(byName ? kNameColumn : kTypeColumn);
+        listing.Window().ClickHeader(kNameColumn); // every other time it turns the order round
         listing.Window().Paint();
     }
 }

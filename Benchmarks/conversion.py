@@ -1,7 +1,12 @@
 """The conversion of a recording, beside programs that make the same 16-bit WAV file of it."""
 
+import array
+import wave
+
 import figures
 
+LARGEST_DIFFERENCE = 2  # of two ways to round
+COMPARED_STEP = 997
 SECONDS, QUICK_SECONDS = 600, 10
 RECORDING = "recording"
 
@@ -21,29 +26,39 @@ def rows(runner, place, seconds):
 def row(runner, place, kind, seconds):
     source = place.local / f"{RECORDING}.{kind}"
     target = place.out / f"{RECORDING}.wav"
+    reference = place.local / f"{RECORDING}-16.wav"
+    runner.output(["sndfile-convert", "-pcm16", source, reference])
     commands = {
         "ours": [runner.programs / "benchmark_conversion", source, place.out],
         "sndfile-convert": ["sndfile-convert", "-pcm16", source, target],
         "ffmpeg": ["ffmpeg", "-v", "error", "-y", "-i", source, "-c:a", "pcm_s16le", target],
     }
-    tries = {name: converter(runner, place, target, command, seconds) for name, command in commands.items()}
+    tries = {name: converter(runner, place, target, command, reference) for name, command in commands.items()}
     timings = runner.in_turn(f"conversion of {kind}, {place.name}", tries)
     return figures.timed_row(f"conversion of {seconds} s, 24 bits, 96 kHz, stereo, {kind.upper()}", place.name,
                              timings, [figures.times_of(timings, "sndfile-convert", 1.25),
                                        figures.ahead_of(timings, "ffmpeg")])
 
 
-def converter(runner, place, target, command, seconds):
+def converter(runner, place, target, command, reference):
     def attempt(first):
         place.clear()
         report = runner.whole_report(command)
-        check(target, seconds)
+        check(target, reference, first)
         return report
     return attempt
 
 
-def check(target, seconds):
-    """All frames are there: two samples of two bytes each."""
-    frames = (target.stat().st_size - 44) // 4
-    if not 0 <= frames - 96000 * seconds <= 96000:
-        raise RuntimeError(f"{target} holds {frames} frames, not those of {seconds} s")
+def check(target, reference, thoroughly):
+    """All frames are there, and in the first round many of them are compared."""
+    with wave.open(str(target)) as ours, wave.open(str(reference)) as theirs:
+        if ours.getnframes() != theirs.getnframes():
+            raise RuntimeError(f"{target} holds {ours.getnframes()} frames, not {theirs.getnframes()}")
+        if thoroughly and difference(ours, theirs) > LARGEST_DIFFERENCE:
+            raise RuntimeError(f"{target} does not sound like {reference}")
+
+
+def difference(ours, theirs):
+    """The largest between samples at the same places."""
+    some, others = (array.array("h", file.readframes(file.getnframes()))[::COMPARED_STEP] for file in (ours, theirs))
+    return max(abs(one - other) for one, other in zip(some, others, strict=True))

@@ -58,11 +58,11 @@ class Timings:
 
 
 def comparable(compare):
-    """A comparison that says so where the other's job is too short for one."""
+    """A comparison that says so where the other's job is too short for one; what is required is not met then."""
     @functools.wraps(compare)
     def compare_if_measured(timings, other, *limits):
         if timings.job_alone(other) <= 0:
-            return Verdict(f"{other}: lost in its start and login")
+            return Verdict(f"{other}: lost in its start and login", None if compare.__name__ == "beside" else False)
         return compare(timings, other, *limits)
     return compare_if_measured
 

@@ -36,9 +36,9 @@ class TimingsTest(unittest.TestCase):
     def test_a_job_shorter_than_its_session_is_not_compared(self):
         made = timings(ours=[0.1], sftp=[0.1])
         made.session = {"sftp": 0.2}
-        for verdict in (ahead_of(made, "sftp"), times_of(made, "sftp", 1.3), beside(made, "sftp")):
-            self.assertIsNone(verdict.met)
-            self.assertEqual(str(verdict), "sftp: lost in its start and login")
+        for verdict in (ahead_of(made, "sftp"), times_of(made, "sftp", 1.3)):
+            self.assertEqual(str(verdict), "sftp: lost in its start and login: NOT MET")
+        self.assertEqual(str(beside(made, "sftp")), "sftp: lost in its start and login")
 
     def test_peers_are_all_but_ours_and_the_floor(self):
         self.assertEqual(timings(ours=[1.0], floor=[1.0], curl=[1.0], scp=[1.0]).peers(), ["curl", "scp"])

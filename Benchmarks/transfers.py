@@ -1,6 +1,7 @@
 """The transfer jobs: one file and one tree, each way, by everybody."""
 
 import filecmp
+import statistics
 from dataclasses import dataclass
 
 import figures
@@ -150,8 +151,12 @@ def memory_rows(runner, place, program, sizes):
     return [download_memory(runner, place, program, sizes), upload_memory(runner, place, program)]
 
 
-def growth_kib(report):
-    return report["peak_kib"] - report["before_kib"]
+def median_growth_kib(runner, place, command):
+    def growth_kib():
+        place.clear()
+        report = runner.printed_report(command())
+        return report["peak_kib"] - report["before_kib"]
+    return statistics.median(growth_kib() for _ in range(runner.rounds))
 
 
 def download_memory(runner, place, program, sizes):
@@ -160,8 +165,7 @@ def download_memory(runner, place, program, sizes):
     material.write_file(place.root / small, sizes.download // 16)
     grown = []
     for name in (small, LARGE):
-        place.clear()
-        grown.append(growth_kib(runner.printed_report(program.download_file(place, name))))
+        grown.append(median_growth_kib(runner, place, lambda name=name: program.download_file(place, name)))
     (place.root / small).unlink()
     text = f"{figures.size(grown[1])} more at its peak, {figures.size(grown[0])} for a sixteenth of the bytes"
     verdict = figures.Verdict(f"{text} (flat: at most 1 MiB apart)", abs(grown[1] - grown[0]) <= 1024)
@@ -169,9 +173,9 @@ def download_memory(runner, place, program, sizes):
 
 
 def upload_memory(runner, place, program):
-    place.clear()
     path = place.local / LARGEST_UPLOAD
-    beyond = growth_kib(runner.printed_report(program.upload(place, path))) - path.stat().st_size / 1024
+    grown = median_growth_kib(runner, place, lambda: program.upload(place, path))
+    beyond = grown - path.stat().st_size / 1024
     verdict = figures.Verdict(f"the file once and {figures.size(beyond)} (at most 2 MiB)",
                               beyond <= UPLOAD_MARGIN_KIB)
     return figures.Row(f"memory of an upload of {path.stat().st_size:,} bytes", place.name, "", [verdict])

@@ -127,6 +127,11 @@ public:
 
     const std::vector<std::string>& runLoopModes() const { return mRunLoopModes; }
 
+    /// Whether a request of the kind is queued or current.
+    bool HasReads() const { return mCurrentRead.has_value() || !mReadQueue.empty(); }
+
+    bool HasWrites() const { return mCurrentWrite.has_value() || !mWriteQueue.empty(); }
+
     /// How much of the current request is done, from 0 to 1. Not a number when none is current or its
     /// total is unknown (zrTotal is 0 then). Without a current request nothing is filled in.
     double progressOfReadReturningTag(long& zrTag, qsizetype& zrBytesDone, qsizetype& zrTotal) const;
@@ -162,10 +167,6 @@ private:
     bool IsReadComplete(qsizetype zPreBuffered);
     void DoSendBytes();
     void DisconnectAfter(bool zReads, bool zWrites);
-
-    bool HasReads() const { return mCurrentRead.has_value() || !mReadQueue.empty(); }
-
-    bool HasWrites() const { return mCurrentWrite.has_value() || !mWriteQueue.empty(); }
 
     bool IsWaitingForReads() const { return mDisconnectAfterReads && HasReads(); }
 

@@ -72,8 +72,8 @@ public:
     /// Takes up to zSize bytes for sending and returns how many.
     std::size_t Write(const char* zpBytes, std::size_t zSize);
 
-    /// Sends what the system takes of what was written, at once instead of with the next pass of the event loop.
-    /// A failure is reported as an event.
+    /// Sends what the system takes of what was written, at once instead of with the next pass of the event
+    /// loop. A failure is reported as an event.
     void SendNow();
 
     /// What "error occurred" was about; "no error" otherwise.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <new>
 #include <system_error>
@@ -35,12 +36,10 @@ std::FILE* CreateTempFile(const std::string& zPath) {
     if (zPath.find('\0') != std::string::npos) {
         return nullptr; // it would name another file
     }
+    errno = 0; // a path too long to be tried at all leaves it alone
     std::FILE* pFile = OpenFile(zPath, "wbx");
-    if (pFile == nullptr && IsLeftover(zPath) && ::unlink(zPath.c_str()) == 0) {
+    if (pFile == nullptr && errno == EEXIST && IsLeftover(zPath) && ::unlink(zPath.c_str()) == 0) {
         pFile = OpenFile(zPath, "wbx");
-    }
-    if (pFile != nullptr) { // its content comes in large pieces
-        static_cast<void>(std::setvbuf(pFile, nullptr, _IONBF, 0));
     }
     return pFile;
 }

@@ -213,6 +213,7 @@ private:
     void EndConnectionAttempt();
     static std::string ErrorText(const SocketError& zError);
     bool HasSocket(const AsyncSocket& zrSocket) const;
+    bool IsAllDone() const;
     bool OperationEnded() const;
     bool IsClientBusy() const;
     eReply AwaitReply(ModalSession* zpSession, const std::function<void()>& zBeforeStep = {});

@@ -218,9 +218,14 @@ void Controller::CloseProgress(ModalSession& zrSession) {
 
 // --- Waiting for the client ---
 
+/// The client has nothing more to do, and what it did has left the queue of the socket. Else operation would
+/// be queued on operation, and people be told of files as sent that a lost connection takes along.
+bool Controller::IsAllDone() const {
+    return mpSocket->GetState() == FTS_IDLE && !mClientSockets.front()->HasWrites();
+}
+
 bool Controller::OperationEnded() const {
-    const eClientState state = mpSocket->GetState();
-    return !IsConnected() || state == FTS_ERROR || state == FTS_IDLE || !GetLastError().empty();
+    return !IsConnected() || mpSocket->GetState() == FTS_ERROR || IsAllDone() || !GetLastError().empty();
 }
 
 Controller::eReply Controller::CheckForReply(ModalSession* zpSession) {
@@ -237,7 +242,7 @@ Controller::eReply Controller::CheckForReply(ModalSession* zpSession) {
         DisconnectDevice(mpSocket->GetErrorStr());
         return FailedOrDisconnected;
     }
-    if (mpSocket->GetState() == FTS_IDLE) {
+    if (IsAllDone()) {
         return Done;
     }
     if (progressDlg->GetCancelled()) {
@@ -365,7 +370,9 @@ void Controller::onSocketDidWriteDataWithTag(AsyncSocket& zrSocket, long /*zTag*
     if (HasSocket(zrSocket)) {
         mpSocket->Update();
     }
-    zrSocket.readDataWithTimeout(kNoTimeout, kTag);
+    if (!zrSocket.HasReads()) { // one is enough, however many writes there are
+        zrSocket.readDataWithTimeout(kNoTimeout, kTag);
+    }
 }
 
 void Controller::onSocketWillDisconnectWithError(AsyncSocket& /*zrSocket*/,

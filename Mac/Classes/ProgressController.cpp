@@ -8,13 +8,12 @@
 #include <QtCore/QLocale>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 
 namespace {
 
 constexpr int kBarSteps = 1000;
-constexpr std::chrono::milliseconds kBetweenChanges{40};
+constexpr int kBetweenChanges = 40; // milliseconds
 
 /// The accessible name of these labels is their role, so the words go into the description.
 void ShowWords(QLabel& zrLabel, const std::string& zText) {
@@ -45,7 +44,6 @@ ProgressController::ProgressController(QWidget* zpParent)
     cancel = mpUi->cancel;
     OnPress(*cancel, [this] { cancelDlg(); });
     mShowTimer.setSingleShot(true);
-    mShowTimer.setInterval(kBetweenChanges);
     connect(&mShowTimer, &QTimer::timeout, this, [this] { ShowNow(); });
     Init("");
 }
@@ -61,28 +59,38 @@ void ProgressController::Init(const std::string& zTitle) {
     SetProgress("", 0.0F);
     SetAmount(0, 0);
     ShowNow();
+    mSinceShown.invalidate();
 }
 
 void ProgressController::SetProgress(const std::string& zText, float zPosition) {
-    mText = zText;
-    mPosition = std::isnan(zPosition) ? 0.0F : std::clamp(zPosition, 0.0F, 1.0F);
-    ShowSoon();
+    const float position = std::isnan(zPosition) ? 0.0F : std::clamp(zPosition, 0.0F, 1.0F);
+    if (mText != zText || mPosition != position) {
+        mText = zText;
+        mPosition = position;
+        ShowSoon();
+    }
 }
 
 void ProgressController::SetAmount(std::uint64_t zDone, std::uint64_t zTotal) {
-    mDone = zDone;
-    mTotal = zTotal;
-    ShowSoon();
+    if (mDone != zDone || mTotal != zTotal) {
+        mDone = zDone;
+        mTotal = zTotal;
+        ShowSoon();
+    }
 }
 
 void ProgressController::ShowSoon() {
-    if (!mShowTimer.isActive()) {
-        mShowTimer.start();
+    const qint64 since = mSinceShown.isValid() ? mSinceShown.elapsed() : kBetweenChanges;
+    if (since >= kBetweenChanges) {
+        ShowNow();
+    } else if (!mShowTimer.isActive()) {
+        mShowTimer.start(static_cast<int>(kBetweenChanges - since));
     }
 }
 
 void ProgressController::ShowNow() {
     mShowTimer.stop();
+    mSinceShown.start();
     progress->setValue(static_cast<int>(std::lround(mPosition * static_cast<float>(kBarSteps))));
     ShowWords(*label, mText);
     const std::string amount = AmountText(mDone, mTotal);

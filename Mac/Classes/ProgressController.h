@@ -2,6 +2,7 @@
 
 #include "ModalDialog.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>
 
 #include <cstdint>
@@ -16,9 +17,9 @@ namespace Ui {
 class ProgressView;
 }
 
-/// The progress window. One serves every operation; Init makes it ready for the next. What it shows changes
-/// only as often as people can see: showing each of a thousand small files would take longer than to transfer
-/// it. The latest is always shown in the end.
+/// The progress window. One serves every operation; Init makes it ready for the next. A change is shown at
+/// once, but for one that follows another sooner than people can see: showing each of a thousand small files
+/// would take longer than to transfer it. Such a one waits a moment; the latest is always shown in the end.
 class ProgressController : public ModalDialog {
 public:
     explicit ProgressController(QWidget* zpParent);
@@ -58,6 +59,7 @@ private:
     float mPosition = 0.0F;
     std::uint64_t mDone = 0;
     std::uint64_t mTotal = 0;
+    QElapsedTimer mSinceShown;
     QTimer mShowTimer; ///< runs while the window does not show the latest yet
     std::unique_ptr<Ui::ProgressView> mpUi;
 };

@@ -23,5 +23,6 @@ public:
     }
 
 private:
-    std::vector<char> mBytes = std::vector<char>(std::size_t{64} * 1024);
+    /// A seek out of it reads as much again, and a header may seek a thousand times.
+    std::vector<char> mBytes = std::vector<char>(std::size_t{16} * 1024);
 };

@@ -6,6 +6,7 @@
 #include "WaitFor.h"
 #include "WidgetDriver.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtGui/QAccessible>
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QLabel>
@@ -21,6 +22,8 @@
 #include <limits>
 
 namespace {
+
+constexpr int kShortestChange = 30; // milliseconds
 
 /// The words of a label, which must be its accessible description as well.
 QString Words(QWidget& zrWindow, const char* zName) {
@@ -101,15 +104,22 @@ TEST_F(Progress, ShowsTheItemAndItsDetails) {
 
 TEST_F(Progress, ShowsOfAQuickSuccessionTheLatest) {
     const QSignalSpy moves(&Control<QProgressBar>(mController, "Progress"), &QProgressBar::valueChanged);
+    QElapsedTimer clock;
+    clock.start();
     for (int step = 1; step <= 500; ++step) {
         mController.SetProgress(std::to_string(step) + ".wav", static_cast<float>(step) / 1000.0F);
         mController.SetAmount(static_cast<std::uint64_t>(step), 900);
     }
-    EXPECT_EQ(moves.count(), 0);
+    EXPECT_LE(moves.count(), clock.elapsed() / kShortestChange + 1);
     EXPECT_TRUE(WaitFor([this] { return Position() == 500; }));
-    EXPECT_EQ(moves.count(), 1);
     EXPECT_EQ(Words(mController, "Current item"), QStringLiteral("500.wav"));
     EXPECT_EQ(Words(mController, "Details"), QStringLiteral("500 bytes of 900 bytes"));
+}
+
+TEST_F(Progress, ShowsTheFirstChangeAtOnce) {
+    mController.SetProgress("Kick.wav", 0.25F);
+    EXPECT_EQ(Position(), 250);
+    EXPECT_EQ(Words(mController, "Current item"), QStringLiteral("Kick.wav"));
 }
 
 struct sPosition {

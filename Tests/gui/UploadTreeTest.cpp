@@ -95,6 +95,31 @@ TEST_F(UploadTree, FiveHundredFilesArrive) {
 
 // --- The common root ---
 
+/// What people are told of as sent has to be on its way, or a lost connection would take it along.
+TEST_F(UploadTree, NoFileIsCountedLongBeforeTheDeviceHearsOfIt) {
+    constexpr int kFiles = 200;
+    const auto name = [](int number) { return std::to_string(number) + ".txt"; };
+    Names names;
+    for (int number = 0; number < kFiles; ++number) {
+        names.push_back(name(number));
+        mFolder.Write(names.back(), std::string(5000, 'x'));
+    }
+    Connect();
+    int heard = 0;
+    int furthest = 0;
+    mDevice.mOnCommand = [&](const std::string& command) -> std::optional<std::string> {
+        if (command.starts_with("<cmd upload>")) {
+            ProgressWindow().ShowNow();
+            const auto at = std::ranges::find(names, CurrentItem()) - names.begin();
+            furthest = std::max(furthest, static_cast<int>(at) - heard++);
+        }
+        return std::nullopt;
+    };
+    Upload(names);
+    EXPECT_EQ(heard, kFiles);
+    EXPECT_LE(furthest, 60) << "a hundred files or more wait where nothing holds them back";
+}
+
 TEST_F(UploadTree, ItemsOfDifferentFoldersKeepWhatTheShorterPathLeaves) {
     mFolder.Write("a.txt", "a");
     mFolder.Write("x/y/b.txt", "b");

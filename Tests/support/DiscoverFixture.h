@@ -4,6 +4,7 @@
 #include "Discover.h"
 #include "WaitFor.h"
 
+#include <QtCore/QElapsedTimer>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -63,14 +64,20 @@ protected:
     }
 
     /// Everything sent before has been worked off when the mark that this sends is. The mark is sent until
-    /// it is heard, since the system drops what its buffer does not hold.
+    /// it is heard, since the system drops what its buffer does not hold; but not so often that it fills it.
     void WaitUntilHeard() {
         const std::string mark = "mark " + std::to_string(++mMarks);
+        QElapsedTimer sinceSent;
         ASSERT_TRUE(WaitFor([&] {
-            mMarker.Send(mark + ":StreamPlayer:1;", kTestDiscoveryPort);
+            if (!sinceSent.isValid() || sinceSent.hasExpired(kBetweenMarks)) {
+                mMarker.Send(mark + ":StreamPlayer:1;", kTestDiscoveryPort);
+                sinceSent.start();
+            }
             return std::ranges::count(Desktops(), "127.0.0.250 " + mark) == 1;
         }));
     }
+
+    static constexpr int kBetweenMarks = 100; // milliseconds
 
     Discover::TimePoint mNow{std::chrono::seconds(1'000'000)};
     std::optional<std::vector<LocalInterface>> mInterfaces{
