@@ -19,8 +19,8 @@ public:
     cSndfileStream& operator=(const cSndfileStream&) = delete;
 
     /// Opens a sound file of any format that libsndfile reads, from its start. False when it is none, or when
-    /// zMayGoOn, asked now and then meanwhile, says so. The header is read in a trial first, since there are
-    /// headers in which the library goes round for ever: these are none.
+    /// zMayGoOn, asked now and then meanwhile, answers false. The header is read in a trial process first,
+    /// since there are some in which the library goes round for ever; such a file counts as no sound.
     bool OpenRead(std::FILE* zpFile, const std::function<bool()>& zMayGoOn = {});
 
     /// Starts a WAV file of 16-bit samples. False when that cannot be done.

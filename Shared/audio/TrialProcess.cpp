@@ -20,9 +20,9 @@ bool LimitWork() {
     return std::signal(SIGPROF, SIG_DFL) != SIG_ERR && setitimer(ITIMER_PROF, &limit, nullptr) == 0;
 }
 
-/// In the copy. Its word is one byte in the pipe, written when the trial has succeeded; it ends without the
-/// clean-up that belongs to the original.
-[[noreturn]] void Try(const std::function<bool()>& zTrial, int zPipe) {
+/// In the copy, which must not get out of here by an exception. Its word is one byte in the pipe, written
+/// when the trial has succeeded; it ends without the clean-up that belongs to the original.
+[[noreturn]] void Try(const std::function<bool()>& zTrial, int zPipe) noexcept {
     const bool succeeded = LimitWork() && zTrial() && write(zPipe, "", 1) == 1;
     _exit(succeeded ? EXIT_SUCCESS : EXIT_FAILURE);
 }

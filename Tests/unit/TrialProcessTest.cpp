@@ -38,6 +38,7 @@ TEST(TrialProcess, LeavesThisProcessAsItWas) {
 TEST(TrialProcess, SurvivesWhatEndsTheTrial) {
     EXPECT_FALSE(SucceedsInTrial([]() -> bool { _exit(0); }, kGoOn));
     EXPECT_FALSE(SucceedsInTrial([]() -> bool { std::abort(); }, kGoOn));
+    EXPECT_FALSE(SucceedsInTrial([]() -> bool { throw 1; }, kGoOn));
 }
 
 TEST(TrialProcess, EndsWhatGoesOnForEver) {
