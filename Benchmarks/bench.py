@@ -32,7 +32,7 @@ from servers import Servers  # noqa: E402
 
 TRANSFERS = [job.name for job in transfers.JOBS]
 WINDOWS = {"parse": windows.parse_rows, "paint": windows.paint_rows, "start": windows.start_rows}
-ALL = [*TRANSFERS, "memory", "conversion", *WINDOWS, "idle", "growth"]
+ALL = [*TRANSFERS, "memory-use", "conversion", *WINDOWS, "idle", "growth"]
 
 
 class Bench:
@@ -55,7 +55,7 @@ class Bench:
 
     def run(self):
         for name, parent, is_disk in (("disk", self._build, True), ("memory", pathlib.Path("/dev/shm"), False)):
-            if self._wants(*TRANSFERS, "memory", "conversion", "growth", "idle"):
+            if self._wants(*TRANSFERS, "memory-use", "conversion", "growth", "idle"):
                 self._run_in(Place(name, self._folder(parent), is_disk))
         for name, rows in WINDOWS.items():
             if self._wants(name):
@@ -84,14 +84,14 @@ class Bench:
 
     def _transfer(self, place, contenders):
         sizes = transfers.QUICK if self._chosen.quick else transfers.Sizes()
-        if not self._wants(*TRANSFERS, "memory"):
+        if not self._wants(*TRANSFERS, "memory-use"):
             return
         transfers.prepare(place, sizes)
         work = transfers.Transfers(self._runner, place, contenders)
         self.rows += [work.row(job) for job in transfers.JOBS if self._wants(job.name)]
         if self._wants(*TRANSFERS):
             self.rows.append(work.session_row())
-        if self._wants("memory") and not place.is_disk:
+        if self._wants("memory-use") and not place.is_disk:
             self.rows += transfers.memory_rows(self._runner, place, contenders[0], sizes)
 
     def _grow(self, place, contenders):

@@ -145,6 +145,7 @@ def script(place, name, lines):
 
 
 def all_contenders(programs, key):
+    """Ours first and the floor second: measuring memory and growth takes them by their places."""
     return [OverTheDeviceProtocol("ours", programs / "benchmark_transfers"),
             OverTheDeviceProtocol("floor", programs / "benchmark_floor"),
             Curl(), Lftp(), Rsync(), Sftp(key), Scp(key)]

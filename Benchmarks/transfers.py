@@ -33,12 +33,12 @@ def prepare(place, sizes):
 
 @dataclass(frozen=True)
 class Job:
-    """`action` is the contenders' method; `way` the folder of the place where the result is looked for;
+    """`action` is the contenders' method; `target` the folder of the place where the result is looked for;
     `subject` what is transferred, in the folder of a place that `origin` names."""
     name: str
     title: str
     action: str
-    way: str
+    target: str
     origin: str
     subject: str
     demands: tuple
@@ -47,7 +47,7 @@ class Job:
         return getattr(place, self.origin) / self.subject
 
     def argument(self, place):
-        return self.subject if self.way == "out" else self.source(place)
+        return self.subject if self.target == "out" else self.source(place)
 
 
 def demand(function, *arguments):
@@ -118,7 +118,7 @@ class Transfers:
             command = getattr(contender, job.action)(self._place, job.argument(self._place))
             run = self._runner.printed_report if contender.own_clock else self._runner.whole_report
             report = run(command)
-            check(job.source(self._place), getattr(self._place, job.way) / job.subject, first, contender.name)
+            check(job.source(self._place), getattr(self._place, job.target) / job.subject, first, contender.name)
             return report
         return attempt
 

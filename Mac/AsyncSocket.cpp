@@ -347,8 +347,7 @@ void AsyncSocket::DoSendBytes() {
         mCurrentWrite->mBytesDone += static_cast<qsizetype>(
             mpStreams->Write(mCurrentWrite->LeftPart(), static_cast<std::size_t>(slice)));
     }
-    if (mCurrentWrite->LeftLength() == 0) {
-        mpStreams->SendNow();
+    if (mCurrentWrite->LeftLength() == 0 && mpStreams->SendNow()) {
         CompleteCurrentWrite();
     }
 }

@@ -2,8 +2,13 @@
 
 #include <algorithm>
 
+/// Less than two rounds; a division would cost more than all else of a small step.
+std::size_t ByteRing::Wrapped(std::size_t zPlace) const {
+    return zPlace < mBytes.size() ? zPlace : zPlace - mBytes.size();
+}
+
 ByteRing::Parts ByteRing::PartsFrom(std::size_t zStart, std::size_t zSize) {
-    const std::size_t start = zStart % mBytes.size();
+    const std::size_t start = Wrapped(zStart);
     const std::size_t first = std::min(zSize, mBytes.size() - start);
     return {iovec{mBytes.data() + start, first}, iovec{mBytes.data(), zSize - first}};
 }
@@ -23,7 +28,7 @@ void ByteRing::Added(std::size_t zSize) {
 void ByteRing::Removed(std::size_t zSize) {
     mSize -= zSize;
     // An empty ring starts over, so that its content is in one part whenever that is possible.
-    mStart = mSize == 0 ? 0 : mStart + zSize;
+    mStart = mSize == 0 ? 0 : Wrapped(mStart + zSize);
 }
 
 std::size_t ByteRing::Put(const char* zpBytes, std::size_t zSize) {

@@ -36,6 +36,7 @@ public:
     void Removed(std::size_t zSize);
 
 private:
+    std::size_t Wrapped(std::size_t zPlace) const;
     Parts PartsFrom(std::size_t zStart, std::size_t zSize);
 
     std::vector<char> mBytes;

@@ -225,8 +225,11 @@ void SocketStreams::SendWritten() {
 }
 
 std::size_t SocketStreams::Read(char* zpBytes, std::size_t zSize) {
+    const bool wasFull = mIncoming.IsFull();
     const std::size_t size = mIncoming.Take(zpBytes, zSize);
-    UpdateReadNotifier();
+    if (wasFull) {
+        UpdateReadNotifier();
+    }
     if (mReceivingEnded && mIncoming.IsEmpty()) {
         StartCall(mReportCall);
     }
@@ -245,13 +248,14 @@ std::size_t SocketStreams::Write(const char* zpBytes, std::size_t zSize) {
     return mOutgoing.Put(zpBytes, zSize);
 }
 
-void SocketStreams::SendNow() {
+bool SocketStreams::SendNow() {
     mSendCall.stop();
     const int code = SendFrom(mOutgoing, mDescriptor.Get());
     mpWritable->setEnabled(code == 0 && !mOutgoing.IsEmpty());
     if (code != 0) {
         SendingFailed(PosixError(code));
     }
+    return code == 0;
 }
 
 SocketAddress SocketStreams::GetLocalAddress() const {

@@ -73,8 +73,8 @@ public:
     std::size_t Write(const char* zpBytes, std::size_t zSize);
 
     /// Sends what the system takes of what was written, at once instead of with the next pass of the event
-    /// loop. A failure is reported as an event.
-    void SendNow();
+    /// loop. False when that failed, which is also reported as an event.
+    bool SendNow();
 
     /// What "error occurred" was about; "no error" otherwise.
     StreamError GetError() const { return mError; }

@@ -40,7 +40,9 @@ struct sTableEntry {
 /// Edit (delete, new folders), DragDrop.
 class Controller : public AsyncSocketDelegate, public TableDataSource, private DeviceListSource {
 public:
-    /// What one polling step found.
+    /// What one polling step found. StillWaiting: ask again. Done: the client is idle and nothing is left in
+    /// the socket's queue, even if people cancelled meanwhile. FailedOrDisconnected: the client failed or the
+    /// connection is lost. Cancelled: people asked for it; the operation still runs.
     enum eReply { StillWaiting = 0, Done = 1, FailedOrDisconnected = 2, Cancelled = 3 };
 
     /// The window and the panel must outlive the controller.
@@ -81,7 +83,7 @@ public:
     bool DisconnectDevice();
 
     /// Closes the connection, empties the table and shows zMessage ("" for the hint how to begin).
-    /// Returns when the connection is gone.
+    /// Returns when the connection is gone. Leaves the client as it is, unlike the one above.
     bool DisconnectDevice(const std::string& zMessage);
 
     bool IsConnected() const { return !mClientSockets.empty(); }
@@ -97,7 +99,7 @@ public:
     int SendBytes(const char* zpBytes, int zLength);
 
     /// One step of waiting for the client's operation to end; the caller repeats it while it is
-    /// StillWaiting.
+    /// StillWaiting. Disconnects a client that has failed. zpSession may be null.
     eReply CheckForReply(ModalSession* zpSession);
 
     /// After a cancel: gives the running operation 4 seconds to end. StillWaiting when it did not.
@@ -213,9 +215,9 @@ private:
     void EndConnectionAttempt();
     static std::string ErrorText(const SocketError& zError);
     bool HasSocket(const AsyncSocket& zrSocket) const;
-    bool IsAllDone() const;
-    bool OperationEnded() const;
-    bool IsClientBusy() const;
+    bool IsAllDone() const;      ///< idle, and nothing left in the socket's queue
+    bool OperationEnded() const; ///< that, or an error, or the connection is lost
+    bool IsClientBusy() const;   ///< in an operation: neither idle nor failed
     eReply AwaitReply(ModalSession* zpSession, const std::function<void()>& zBeforeStep = {});
     void CloseProgress(ModalSession& zrSession);
     std::string LostTransferText();
@@ -302,9 +304,9 @@ private:
     std::unique_ptr<ProgressController> progressDlg;
     QLineEdit* mpStatusText;
     QLineEdit* mpDirectoryText;
-    std::unique_ptr<cSocketClientProtocol> mpSocket;
+    std::unique_ptr<cSocketClientProtocol> mpSocket; ///< the protocol client, which sends through a socket
     std::vector<sTableEntry> mTableEntries;
-    std::vector<std::shared_ptr<AsyncSocket>> mClientSockets;
+    std::vector<std::shared_ptr<AsyncSocket>> mClientSockets; ///< one or none
     std::unique_ptr<Discover> discover; ///< null while the network interfaces cannot be read
     std::string mLastSocketError;
     bool mSuperUser = false;

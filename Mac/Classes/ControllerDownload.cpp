@@ -293,7 +293,7 @@ int Controller::AskForPlace(const std::string& zLocalPath, bool zIsTaken, sDownl
         askFor(zLocalPath);
     }
     const std::string arrival = zLocalPath + ".tmp";
-    if (IsThere(arrival) && !IsFolder(arrival)) {
+    if (IsLink(arrival) || (IsThere(arrival) && !IsFolder(arrival))) {
         askFor(arrival);
     }
     return answer;

@@ -239,7 +239,7 @@ bool Controller::UploadFile(const std::string& zPath, sUpload& zrUpload) {
         zrUpload.errorText = NameAndReason(record.deviceName, "Path too long");
         return false;
     }
-    mpSocket->Upload(record.outputPath, zrUpload.devicePath, name);
+    mpSocket->Upload(record.outputPath, zrUpload.devicePath, name); // one that it refuses leaves it idle
     return WaitForUpload(name, record, zrUpload);
 }
 

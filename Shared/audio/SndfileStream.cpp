@@ -1,26 +1,15 @@
 #include "SndfileStream.h"
 
+#include "TrialProcess.h"
+
 #include <sndfile.h>
 
 #include <algorithm>
-#include <utility>
 
 namespace {
 
-/// Ordinary headers take fewer reads; one of a thousand chunks takes a millisecond.
-constexpr int kReadsBetweenQuestions = 1000;
-
-/// What the library hands back to each of the functions below.
-struct sSource {
-    std::FILE* file = nullptr;
-    std::function<bool()> mayGoOn = {}; ///< empty once the file is open
-    int reads = 0;
-
-    bool MayRead() { return !mayGoOn || ++reads % kReadsBetweenQuestions != 0 || mayGoOn(); }
-};
-
 std::FILE* Stream(void* zpUser) {
-    return static_cast<sSource*>(zpUser)->file;
+    return static_cast<std::FILE*>(zpUser);
 }
 
 /// Decoders of coded blocks ask for the length after they have gone to the first block, and go on reading as
@@ -44,9 +33,6 @@ sf_count_t Seek(sf_count_t zOffset, int zWhence, void* zpUser) {
 /// A coded block is decoded whole, also where the file ends within it. What is missing then is filled with
 /// zeros, which fade away, instead of what the block before left there.
 sf_count_t Read(void* zpBuffer, sf_count_t zCount, void* zpUser) {
-    if (!static_cast<sSource*>(zpUser)->MayRead()) {
-        static_cast<void>(std::fseek(Stream(zpUser), 0, SEEK_END)); // where every search in the file ends
-    }
     const auto wanted = static_cast<std::size_t>(std::max<sf_count_t>(zCount, 0));
     const std::size_t count = std::fread(zpBuffer, 1, wanted, Stream(zpUser));
     std::fill_n(static_cast<char*>(zpBuffer) + count, wanted - count, '\0');
@@ -71,15 +57,12 @@ struct sSndfileCloser {
 } // namespace
 
 struct cSndfileStream::sHandle {
-    bool Open(sSource zSource, int zMode) {
-        source = std::move(zSource);
-        file.reset(sf_open_virtual(&kTable, zMode, &info, &source));
-        source.mayGoOn = {};
+    bool Open(std::FILE* zpFile, int zMode) {
+        file.reset(sf_open_virtual(&kTable, zMode, &info, zpFile));
         return file != nullptr;
     }
 
     SF_INFO info{};
-    sSource source;
     std::unique_ptr<SNDFILE, sSndfileCloser> file;
 };
 
@@ -87,13 +70,18 @@ cSndfileStream::cSndfileStream() : mpHandle(std::make_unique<sHandle>()) {}
 
 cSndfileStream::~cSndfileStream() = default;
 
-bool cSndfileStream::OpenRead(std::FILE* zpFile, std::function<bool()> zMayGoOn) {
-    return mpHandle->Open({zpFile, std::move(zMayGoOn)}, SFM_READ);
+bool cSndfileStream::OpenRead(std::FILE* zpFile, const std::function<bool()>& zMayGoOn) {
+    const auto open = [&] { return mpHandle->Open(zpFile, SFM_READ); };
+    if (!SucceedsInTrial(open, zMayGoOn)) {
+        return false;
+    }
+    std::rewind(zpFile);
+    return open();
 }
 
 bool cSndfileStream::OpenWrite(std::FILE* zpFile, int zSampleRate, int zChannels) {
     mpHandle->info = {0, zSampleRate, zChannels, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1, 1};
-    return mpHandle->Open({zpFile}, SFM_WRITE);
+    return mpHandle->Open(zpFile, SFM_WRITE);
 }
 
 int cSndfileStream::GetSampleRate() const {

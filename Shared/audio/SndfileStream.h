@@ -18,9 +18,10 @@ public:
     cSndfileStream(const cSndfileStream&) = delete;
     cSndfileStream& operator=(const cSndfileStream&) = delete;
 
-    /// Opens a sound file of any format that libsndfile reads. False when it is none, or when zMayGoOn, asked
-    /// now and then while a long header is read, says so: a header may be as long as the file.
-    bool OpenRead(std::FILE* zpFile, std::function<bool()> zMayGoOn = {});
+    /// Opens a sound file of any format that libsndfile reads, from its start. False when it is none, or when
+    /// zMayGoOn, asked now and then meanwhile, answers false. The header is read in a trial process first,
+    /// since there are some in which the library goes round for ever; such a file counts as no sound.
+    bool OpenRead(std::FILE* zpFile, const std::function<bool()>& zMayGoOn = {});
 
     /// Starts a WAV file of 16-bit samples. False when that cannot be done.
     bool OpenWrite(std::FILE* zpFile, int zSampleRate, int zChannels);

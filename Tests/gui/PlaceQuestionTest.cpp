@@ -118,12 +118,20 @@ INSTANTIATE_TEST_SUITE_P(
                2}),
     [](const auto& zInfo) { return std::string(zInfo.param.name); });
 
-TEST_F(PlaceQuestion, ALinkThatLeadsNowhereIsAskedAboutAsWell) {
-    for (const char* name : {"1.wav", "1.wav.tmp"}) {
-        SCOPED_TRACE(name);
+struct sLink {
+    const char* name;
+    const char* target;
+};
+
+TEST_F(PlaceQuestion, ALinkIsAskedAboutWhereverItLeads) {
+    const TestFolder elsewhere;
+    const std::string folder = elsewhere.Path();
+    for (const auto& [name, target] :
+         {sLink{"1.wav", "nowhere"}, {"1.wav.tmp", "nowhere"}, {"1.wav.tmp", folder.c_str()}}) {
+        SCOPED_TRACE(std::string(name) + " to " + target);
         const fs::path link = mFolder / name;
         fs::remove(mFolder / "1.wav");
-        fs::create_symlink(mFolder / "nowhere", link);
+        fs::create_symlink(target, link);
         Meanwhile meanwhile;
         Answer(meanwhile, {name, "No"});
         Download({"1.wav"});

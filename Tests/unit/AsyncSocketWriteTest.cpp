@@ -2,11 +2,14 @@
 
 #include "SocketFixture.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cmath>
 
 namespace {
+
+using ::testing::Contains;
+using ::testing::Not;
 
 class AsyncSocketWriteTest : public SocketFixture {
 protected:
@@ -133,6 +136,13 @@ TEST_F(AsyncSocketWriteTest, APeerThatIsGoneIsAnError) {
     ASSERT_EQ(mDelegate.mLines.size(), 2U);
     ASSERT_TRUE(mDelegate.mError);
     EXPECT_EQ(mDelegate.mError->domain, "POSIX");
+}
+
+TEST_F(AsyncSocketWriteTest, WhatTheSystemRefusesIsNotWritten) {
+    mPeer.Reset();
+    mpSocket->writeData("short", -1.0, 1);
+    EXPECT_TRUE(WaitForLine("disconnected"));
+    EXPECT_THAT(mDelegate.mLines, Not(Contains("written #1")));
 }
 
 TEST_F(AsyncSocketWriteTest, WhatThePeerSaidLastIsReadThoughWritingFails) {

@@ -28,6 +28,15 @@ std::string FloatSound(const std::vector<double>& samples) {
     return WaveBytes({3, 1, 44100, 64}, BytesOf(samples));
 }
 
+/// A decoder steps over the item by its length of -8 and so comes to it again, for ever.
+std::string SoundWithHeaderWithoutEnd() {
+    const std::string whole = WaveBytes({1, 1, 44100, 16}, std::string(8, '\0'));
+    const std::string circle =
+        std::string("LIST\x24\0\0\0INFOxyzw\xF8\xFF\xFF\xFF", 20) + std::string(24, 'x');
+    constexpr std::size_t kHeaderBeforeData = 36;
+    return whole.substr(0, kHeaderBeforeData) + circle + whole.substr(kHeaderBeforeData);
+}
+
 // --- What is converted, and under which names ---
 
 TEST_F(AudioConversion, BeginsWithNothingDecided) {
@@ -420,21 +429,22 @@ TEST_F(AudioConversion, CanBeStoppedAtAnyReport) {
 }
 
 TEST_F(AudioConversion, CanBeStoppedInAHeaderWithoutEnd) {
-    const std::string whole = WaveBytes({1, 1, 44100, 16}, std::string(8, '\0'));
-    for (const std::string& chunk : {std::string("abcd\0\0\0\0", 8), std::string("abcd\4\0\0\0text", 12)}) {
-        std::string chunks;
-        for (int number = 0; number < 200'000; ++number) {
-            chunks += chunk;
-        }
-        int reports = 0;
-        cAudioConversion conversion(mFolder.Write("a.wav", whole.substr(0, 12) + chunks + whole.substr(12)));
-        conversion.progress = [&](double) { return ++reports < 3; };
-        EXPECT_TRUE(conversion.ConvertForUpload());
-        EXPECT_TRUE(conversion.cancelled);
-        EXPECT_EQ(reports, 3);
-        ExpectSentAsItIs(conversion, "a.wav", "");
-        EXPECT_THAT(TempNames(), IsEmpty());
-    }
+    int reports = 0;
+    cAudioConversion conversion(mFolder.Write("a.wav", SoundWithHeaderWithoutEnd()));
+    conversion.progress = [&](double) { return ++reports < 3; };
+    EXPECT_TRUE(conversion.ConvertForUpload());
+    EXPECT_TRUE(conversion.cancelled);
+    EXPECT_EQ(reports, 3);
+    ExpectSentAsItIs(conversion, "a.wav", "");
+    EXPECT_THAT(TempNames(), IsEmpty());
+}
+
+TEST_F(AudioConversion, AHeaderWithoutEndIsNone) {
+    cAudioConversion conversion(mFolder.Write("a.wav", SoundWithHeaderWithoutEnd()));
+    EXPECT_TRUE(conversion.ConvertForUpload());
+    EXPECT_FALSE(conversion.cancelled);
+    ExpectSentAsItIs(conversion, "a.wav",
+                     "'" + conversion.sourcePath + "' - couldn't open as an audio file.");
 }
 
 TEST_F(AudioConversion, AStopHoldsForOneConversionOnly) {
