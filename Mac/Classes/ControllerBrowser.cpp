@@ -142,12 +142,27 @@ void Controller::OpenFolder(const std::string& zPath) {
     }
 }
 
-void Controller::OnTableViewDoubleClick() {
-    const auto* info = RecordAt(tableView->currentIndex().row());
+void Controller::OpenRow(int zRow) {
+    const auto* info = RecordAt(zRow);
     if (!IsConnected() || info == nullptr || !info->mIsFolder) {
         return;
     }
     OpenFolder(DevicePathIn(mCurrentDirList.mDir, info->mName));
+}
+
+void Controller::OnTableViewDoubleClick() {
+    OpenRow(tableView->currentIndex().row());
+}
+
+void Controller::OnOpen() {
+    OpenRow(SelectedFolder());
+}
+
+/// The row of the folder that alone is selected; -1 for anything else.
+int Controller::SelectedFolder() const {
+    const std::vector<int> rows = SelectedRows();
+    const auto* info = rows.size() == 1 ? RecordAt(rows.front()) : nullptr;
+    return info != nullptr && info->mIsFolder ? rows.front() : -1;
 }
 
 void Controller::OnBackButton() {
@@ -238,7 +253,7 @@ void Controller::UpdateControls() {
     } else {
         UpdateDisconnectedControls();
     }
-    mrWindow.MirrorButtons(connected);
+    mrWindow.MirrorButtons(connected, connected && SelectedFolder() >= 0);
 }
 
 void Controller::UpdateConnectedControls() {
