@@ -91,6 +91,9 @@ void Controller::ShowFailedListing() {
 
 void Controller::SetEmptyText(const char* zText) {
     tableView->SetPlaceholder(*zText == '\0' ? QString() : QCoreApplication::translate("Quillbox", zText));
+    if (*zText == '\0') {
+        tableView->setAccessibleDescription(ToWidgetText(Translated("What the folder of the device holds")));
+    }
 }
 
 const cClientProtocol::cDeviceFileInfo* Controller::RecordAt(int zRow) const {
@@ -244,6 +247,8 @@ void Controller::UpdateControls() {
     const QString words = QCoreApplication::translate("Quillbox", connected ? "Dis&connect" : "&Connect");
     if (mpConnectButton->text() != words) { // every change of the selection comes here
         mpConnectButton->setText(words);
+        mpConnectButton->setAccessibleDescription(ToWidgetText(Translated(
+            connected ? "Ends the connection to the device" : "Finds devices and connects to one")));
         mpConnectButton->setIcon(ThemeIcon(connected ? "network-disconnect" : "network-connect"));
     }
     mpDirectoryText->setEnabled(connected);

@@ -145,9 +145,9 @@ void MainWindow::MakeContextMenu() {
     auto* const separator = new QAction(mpWiring.get());
     separator->setSeparator(true);
     mpUi->tableView->setContextMenuPolicy(Qt::ActionsContextMenu);
-    mpUi->tableView->addActions({mpUi->openAction, mpUi->downloadAction, mpUi->deleteAction, separator, mpUi->uploadAction,
-                                 mpUi->createFolderAction, mpUi->backAction, mpUi->refreshAction,
-                                 mpUi->connectAction});
+    mpUi->tableView->addActions({mpUi->openAction, mpUi->downloadAction, mpUi->deleteAction, separator,
+                                 mpUi->uploadAction, mpUi->createFolderAction, mpUi->backAction,
+                                 mpUi->refreshAction, mpUi->connectAction});
 }
 
 void MainWindow::ConnectMenu() {

@@ -21,8 +21,8 @@ TEXT = "org.a11y.atspi.Text"
 VALUE = "org.a11y.atspi.Value"
 PROPERTIES = "org.freedesktop.DBus.Properties"
 
-STATE_BITS = {"active": 1, "checked": 4, "enabled": 8, "focused": 12, "pressed": 20, "selected": 23,
-              "showing": 25}
+STATE_BITS = {"active": 1, "checked": 4, "enabled": 8, "focusable": 11, "focused": 12, "pressed": 20, "selected": 23,
+              "showing": 25, "default": 39}
 
 # Their items can be many; they are reached by row instead.
 UNSEARCHED_ROLES = ("table", "list", "tree", "tree table", "menu bar")

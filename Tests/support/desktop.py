@@ -129,6 +129,13 @@ class Desktop:
         subprocess.run(["import", "-window", "root", "-trim", "+repage", str(path)], env=self.environment,
                        check=True, timeout=20)
 
+    def pixels(self, node):
+        """The colours of a control on the screen, as bytes."""
+        left, top, width, height = settled_extents(node)
+        place = f"{width}x{height}+{left}+{top}"
+        return subprocess.run(["import", "-window", "root", "-crop", place, "-depth", "8", "rgb:-"],
+                              env=self.environment, check=True, timeout=20, stdout=subprocess.PIPE).stdout
+
     # Pointer and keys.
 
     def send_input(self, *words):

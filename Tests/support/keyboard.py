@@ -6,6 +6,8 @@ The accessibility bus serves as the eyes; nothing is done through it.
 from accessibility import Table
 from waiting import wait_for
 
+LONGEST_WAY = 40  # in presses of Tab
+
 
 class KeyboardUser:
     """Uses a running program by its keys."""
@@ -94,6 +96,30 @@ class KeyboardUser:
     @staticmethod
     def wait_for_focus(node):
         wait_for(lambda: node.has_state("focused"), lambda: f"the focus on {node!r}")
+
+    @staticmethod
+    def focus(window):
+        """The control in a window that has the focus; its boxes say that they have it as well."""
+        nodes = [node for node in window.descendants() if node.showing and node.has_state("focused")]
+        return nodes[-1] if nodes else None
+
+    def tab_stops(self, window, key="Tab"):
+        """Goes once around with a key; returns where it stops, beginning with what has the focus."""
+        stops = [wait_for(lambda: self.focus(window), "a focus")]
+        while len(stops) < LONGEST_WAY:
+            self.press(key)
+            if len(stops) == 1 and self.has_one_stop(window):
+                return stops
+            stop = wait_for(lambda: (node := self.focus(window)) != stops[-1] and node, f"a focus after {stops[-1]!r}")
+            if stop == stops[0]:
+                return stops
+            stops.append(stop)
+        raise TimeoutError(f"{key} does not come back to {stops[0]!r}: {stops}")
+
+    @staticmethod
+    def has_one_stop(window):
+        """Whether there is but one control for the focus to be on."""
+        return sum(node.showing and node.enabled and node.has_state("focusable") for node in window.descendants()) == 1
 
     def fill_in(self, edit, text):
         """Types into an edit that has the focus when its window opens."""
