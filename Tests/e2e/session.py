@@ -1,4 +1,4 @@
-"""One complete session with a found device, for whoever has hands: a user of the keyboard, an assistive tool."""
+"""One complete session with a found device, the same for every kind of user; see keyboard.py and assistive.py."""
 
 import os
 
@@ -22,7 +22,7 @@ class SessionCase(lancase.LanCase):
         self.target = self.desktop.folder("target")
 
     def walk(self, user):
-        """Goes through the session and compares the files when it is over."""
+        """Has the user go through the session, and compares the files of both sides when it is over."""
         for step in (self.connect, self.browse, self.download, self.replace, self.upload, self.create_folder,
                      self.delete, self.leave):
             step(user)

@@ -170,10 +170,10 @@ class VisibleFocusTest(WindowsCase):
         user.wait_for_keyboard(window)
         self.desktop.move_pointer(1, 1)  # nothing lights up under it
         stops = user.tab_stops(window)
-        before = {}
+        before = {stops[0]: self.look_without_focus(user, stops)}
         for node, following in zip(stops, stops[1:] + stops[:1]):
             user.wait_for_focus(node)
-            before[following] = self.desktop.pixels(following)
+            before[following] = self.settled_look(following)
             is_default = following.has_state("default")
             user.press("Tab")
             user.wait_for_focus(following)
@@ -185,6 +185,23 @@ class VisibleFocusTest(WindowsCase):
             user.press("shift+Tab")
             self.wait_for_look(following, lambda look: look == before[following])
             user.press("Tab")
+
+    def look_without_focus(self, user, stops):
+        """The look of the first stop while the focus is on the second."""
+        user.press("Tab")
+        user.wait_for_focus(stops[1])
+        look = self.settled_look(stops[0])
+        user.press("shift+Tab")
+        return look
+
+    def settled_look(self, node):
+        """What it looks like once what has just happened to it has been drawn."""
+        looks = [self.desktop.pixels(node)]
+
+        def agree():
+            looks.append(self.desktop.pixels(node))
+            return len(set(looks[-3:])) == 1 and len(looks) > 2 and looks[-1]
+        return wait_for(agree, f"a steady look of {node!r}")
 
     def wait_for_look(self, node, condition):
         wait_for(lambda: condition(self.desktop.pixels(node)), f"another look of {node!r}")
@@ -204,6 +221,9 @@ class VisibleFocusTest(WindowsCase):
         wait_for(lambda: user.current_row(quillbox.table) == 0, "the keyboard at the first row")
         self.assertEqual(quillbox.table.selected_rows(), [])
 
+    def test_selection_of_a_found_device(self):
+        self.check(self.open_selection())
+
     def test_selection_of_an_address(self):
         dialog = self.start().open_selection()
         self.quillbox.choose_typed_address(dialog)
@@ -211,6 +231,12 @@ class VisibleFocusTest(WindowsCase):
 
     def test_overwrite_prompt(self):
         self.check(self.open_prompt())
+
+    def test_new_folder(self):
+        self.check(self.open_new_folder())
+
+    def test_alert(self):
+        self.check(self.open_alert())
 
 
 if __name__ == "__main__":

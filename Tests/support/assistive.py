@@ -13,9 +13,10 @@ class AssistiveTool:
         """Chooses the device of this name, once all the devices of `found` are listed."""
         quillbox = self.quillbox
         dialog = quillbox.open_selection()
-        choice = dialog.find("Use found device", "radio button")
-        if not choice.has_state("checked"):
-            choice.press()
+        refresh = dialog.find("Refresh", "push button")
+        if not refresh.enabled:
+            dialog.find("Use found device", "radio button").press()
+            wait_for(lambda: refresh.enabled, "the choice among found devices")
         devices = quillbox.wait_for_devices(dialog, found)
         devices.select_rows([devices.column(0).index(name)])
         quillbox.confirm_selection(dialog, name)

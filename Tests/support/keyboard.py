@@ -4,7 +4,7 @@ The accessibility bus serves as the eyes; nothing is done through it.
 """
 
 from accessibility import Table
-from waiting import wait_for
+from waiting import becomes, stays, wait_for
 
 LONGEST_WAY = 40  # in presses of Tab
 
@@ -32,7 +32,7 @@ class KeyboardUser:
         wait_for(listed, lambda: f"devices {found}, not {devices.column(0)}")
         self.press("alt+u")
         self.wait_for_focus(devices.node)
-        self.go_to(devices, devices.column(0).index(name))
+        self.choose(devices, devices.column(0).index(name))
         self.press("Return")
         self.quillbox.wait_for_status(f"Connected to '{name}'")
         self.quillbox.wait_for_main_window_only()
@@ -122,11 +122,16 @@ class KeyboardUser:
         return sum(node.showing and node.enabled and node.has_state("focusable") for node in window.descendants()) == 1
 
     def fill_in(self, edit, text):
-        """Types into an edit that has the focus when its window opens."""
+        """Types into an edit that has the focus when its window opens.
+
+        A file dialog that still reads folders may change what is typed; then it is typed again.
+        """
+        def typed():
+            self.press("ctrl+a")
+            self.type(text)
+            return becomes(lambda: edit.words == text, 2.0) and stays(lambda: edit.words == text, 0.2)
         self.wait_for_focus(edit)
-        self.press("ctrl+a")
-        self.type(text)
-        wait_for(lambda: edit.words == text, lambda: f"'{text}', not '{edit.words}'")
+        wait_for(typed, lambda: f"'{text}', not '{edit.words}'")
 
     # Rows.
 
@@ -140,6 +145,13 @@ class KeyboardUser:
             self.go_to(quillbox.table, row, "ctrl+")
             self.press("ctrl+space")
         wait_for(lambda: quillbox.table.selected_rows() == sorted(rows), lambda: f"{names} selected")
+
+    def choose(self, devices, row):
+        """Selects a device, again where a press of Refresh takes effect only now and has its own choice."""
+        def chosen():
+            self.go_to(devices, row)
+            return stays(lambda: devices.selected_rows() == [row], 0.3)
+        wait_for(chosen, lambda: f"device {row} selected, not {devices.selected_rows()}")
 
     def go_to(self, table, row, modifier=""):
         """Makes a row the current one by arrow keys; without a modifier that selects it alone."""
