@@ -89,6 +89,14 @@ void SetTexts(QMessageBox& zrBox, const std::string& zTitle, const std::string& 
     ArrangeTexts(zrBox);
 }
 
+/// The keyboard is on a button from the start, where assistive tools read from.
+void DescribeButtons(const QMessageBox& zrBox) {
+    const QString message = zrBox.informativeText().isEmpty() ? zrBox.text() : zrBox.informativeText();
+    for (QAbstractButton* button : zrBox.buttons()) {
+        button->setAccessibleDescription(message);
+    }
+}
+
 } // namespace
 
 int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage, int zKind) {
@@ -96,6 +104,7 @@ int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& z
     SetTexts(box, zTitle, zMessage);
     QPushButton* first = AddButtons(box, zKind);
     box.setDefaultButton(first);
+    DescribeButtons(box);
     ModalSession::RunModal(box);
     return box.clickedButton() == first ? 1 : 0;
 }
@@ -105,5 +114,6 @@ void ShowAbout(QWidget* zpParent, const std::string& zTitle, const std::string& 
     SetTexts(box, zTitle, zMessage);
     box.setDefaultButton(AddButtons(box, AlertOk));
     ShowIcon(box, "quillbox");
+    DescribeButtons(box);
     ModalSession::RunModal(box);
 }

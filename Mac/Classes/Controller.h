@@ -130,6 +130,9 @@ public:
 
     void OnBackButton();
     void OnTableViewDoubleClick();
+
+    /// Opens the folder that alone is selected, wherever the keyboard is in the table.
+    void OnOpen();
     void OnRefresh();
 
     int numberOfRowsInTableView() const override;
@@ -228,6 +231,8 @@ private:
     void ShowFailedListing();
     void SetEmptyText(const char* zText);
     void OpenFolder(const std::string& zPath);
+    void OpenRow(int zRow);
+    int SelectedFolder() const;
     sTableEntry MakeTableEntry(const cClientProtocol::cDeviceFileInfo& zrInfo) const;
     bool IsShown(const cClientProtocol::cDeviceFileInfo& zrInfo) const;
     const cClientProtocol::cDeviceFileInfo* RecordAt(int zRow) const;

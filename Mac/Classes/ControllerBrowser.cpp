@@ -91,6 +91,9 @@ void Controller::ShowFailedListing() {
 
 void Controller::SetEmptyText(const char* zText) {
     tableView->SetPlaceholder(*zText == '\0' ? QString() : QCoreApplication::translate("Quillbox", zText));
+    if (*zText == '\0') {
+        tableView->setAccessibleDescription(ToWidgetText(Translated("What the folder of the device holds")));
+    }
 }
 
 const cClientProtocol::cDeviceFileInfo* Controller::RecordAt(int zRow) const {
@@ -142,12 +145,27 @@ void Controller::OpenFolder(const std::string& zPath) {
     }
 }
 
-void Controller::OnTableViewDoubleClick() {
-    const auto* info = RecordAt(tableView->currentIndex().row());
+void Controller::OpenRow(int zRow) {
+    const auto* info = RecordAt(zRow);
     if (!IsConnected() || info == nullptr || !info->mIsFolder) {
         return;
     }
     OpenFolder(DevicePathIn(mCurrentDirList.mDir, info->mName));
+}
+
+void Controller::OnTableViewDoubleClick() {
+    OpenRow(tableView->currentIndex().row());
+}
+
+void Controller::OnOpen() {
+    OpenRow(SelectedFolder());
+}
+
+/// The row of the folder that alone is selected; -1 for anything else.
+int Controller::SelectedFolder() const {
+    const std::vector<int> rows = SelectedRows();
+    const auto* info = rows.size() == 1 ? RecordAt(rows.front()) : nullptr;
+    return info != nullptr && info->mIsFolder ? rows.front() : -1;
 }
 
 void Controller::OnBackButton() {
@@ -229,6 +247,8 @@ void Controller::UpdateControls() {
     const QString words = QCoreApplication::translate("Quillbox", connected ? "Dis&connect" : "&Connect");
     if (mpConnectButton->text() != words) { // every change of the selection comes here
         mpConnectButton->setText(words);
+        mpConnectButton->setAccessibleDescription(ToWidgetText(Translated(
+            connected ? "Ends the connection to the device" : "Finds devices and connects to one")));
         mpConnectButton->setIcon(ThemeIcon(connected ? "network-disconnect" : "network-connect"));
     }
     mpDirectoryText->setEnabled(connected);
@@ -238,7 +258,7 @@ void Controller::UpdateControls() {
     } else {
         UpdateDisconnectedControls();
     }
-    mrWindow.MirrorButtons(connected);
+    mrWindow.MirrorButtons(connected, connected && SelectedFolder() >= 0);
 }
 
 void Controller::UpdateConnectedControls() {

@@ -71,6 +71,7 @@ void MainWindow::SetUpIcons() {
     mpUi->deleteButton->setIcon(ThemeIcon("edit-delete"));
     mpUi->uploadButton->setIcon(ThemeIcon("document-send"));
     mpUi->downloadButton->setIcon(ThemeIcon("document-save"));
+    mpUi->openAction->setIcon(ThemeIcon("folder"));
     mpUi->quitAction->setIcon(ThemeIcon("application-exit"));
     mpUi->refreshAction->setIcon(ThemeIcon("view-refresh"));
     mpUi->userGuideAction->setIcon(ThemeIcon("help-contents"));
@@ -144,12 +145,16 @@ void MainWindow::MakeContextMenu() {
     auto* const separator = new QAction(mpWiring.get());
     separator->setSeparator(true);
     mpUi->tableView->setContextMenuPolicy(Qt::ActionsContextMenu);
-    mpUi->tableView->addActions({mpUi->downloadAction, mpUi->deleteAction, separator, mpUi->uploadAction,
-                                 mpUi->createFolderAction, mpUi->backAction, mpUi->refreshAction,
-                                 mpUi->connectAction});
+    mpUi->tableView->addActions({mpUi->openAction, mpUi->downloadAction, mpUi->deleteAction, separator,
+                                 mpUi->uploadAction, mpUi->createFolderAction, mpUi->backAction,
+                                 mpUi->refreshAction, mpUi->connectAction});
 }
 
 void MainWindow::ConnectMenu() {
+    // Queued, so that an assistive tool that chooses the entry need not wait for the listing.
+    connect(
+        mpUi->openAction, &QAction::triggered, mpWiring.get(),
+        [this] { mpController->Perform(&Controller::OnOpen); }, Qt::QueuedConnection);
     connect(mpUi->refreshAction, &QAction::triggered, mpWiring.get(),
             [this] { mpController->Perform(&Controller::OnRefresh); });
     connect(mpUi->userGuideAction, &QAction::triggered, mpWiring.get(),
@@ -160,13 +165,14 @@ void MainWindow::ConnectMenu() {
             [this] { mpController->applicationShouldTerminate(); });
 }
 
-void MainWindow::MirrorButtons(bool zConnected) {
+void MainWindow::MirrorButtons(bool zConnected, bool zMayOpen) {
     for (const sTwin& twin : mTwins) {
         twin.action->setText(twin.button->text());
         twin.action->setIcon(twin.button->icon());
         twin.action->setEnabled(twin.button->isEnabled());
     }
     mpUi->refreshAction->setEnabled(zConnected);
+    mpUi->openAction->setEnabled(zMayOpen);
 }
 
 void MainWindow::closeEvent(QCloseEvent* zpEvent) {

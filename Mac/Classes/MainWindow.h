@@ -47,8 +47,9 @@ public:
     void Attach(Controller& zrController);
     void Detach();
 
-    /// Gives the menu entries the texts and enabled states of the buttons that do the same.
-    void MirrorButtons(bool zConnected);
+    /// Gives the menu entries the texts and enabled states of the buttons that do the same. zMayOpen: a
+    /// folder is selected, and nothing else.
+    void MirrorButtons(bool zConnected, bool zMayOpen);
 
 protected:
     void closeEvent(QCloseEvent* zpEvent) override;

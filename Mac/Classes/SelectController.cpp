@@ -112,6 +112,8 @@ SelectController::SelectController(QWidget* zpParent)
     mpRefreshButton = mpUi->refresh;
     mpUseFoundDevice = mpUi->useFoundDevice;
     mpEnterIP = mpUi->enterIP;
+    mListDescription = tableView->accessibleDescription();
+    mRefreshDescription = mpRefreshButton->accessibleDescription();
     QSizePolicy hintPolicy = mpUi->hint->sizePolicy();
     hintPolicy.setRetainSizeWhenHidden(true);
     mpUi->hint->setSizePolicy(hintPolicy);
@@ -246,7 +248,7 @@ const char* SelectController::ChooseHint(bool zHasNews) const {
 void SelectController::ShowNews() {
     const bool hasNews = HasNews();
     SetHint(Translated(ChooseHint(hasNews)));
-    const QString description = hasNews ? ToWidgetText(Translated(kRefreshNews)) : QString();
+    const QString description = hasNews ? ToWidgetText(Translated(kRefreshNews)) : mRefreshDescription;
     if (mpRefreshButton->accessibleDescription() != description) {
         mpRefreshButton->setAccessibleDescription(description);
         mpRefreshButton->setIcon(hasNews ? NewsIcon() : QIcon());
@@ -258,7 +260,7 @@ void SelectController::SetHint(const std::string& zText) {
     const QString words = ToWidgetText(zText);
     if (mpUi->hint->text() != words) {
         mpUi->hint->setText(words);
-        tableView->setAccessibleDescription(words);
+        tableView->setAccessibleDescription(words.isEmpty() ? mListDescription : words);
     }
     mpUi->hint->setVisible(!words.isEmpty());
 }
@@ -358,6 +360,9 @@ void SelectController::FocusChosenWay() {
 void SelectController::SetFoundDeviceMode(bool zOn) {
     mpUseFoundDevice->setChecked(zOn);
     mpEnterIP->setChecked(!zOn);
+    // Tab stops at the way that is chosen, as everywhere; left alone, it stops at the one it was at last.
+    mpUseFoundDevice->setFocusPolicy(zOn ? Qt::StrongFocus : Qt::ClickFocus);
+    mpEnterIP->setFocusPolicy(zOn ? Qt::ClickFocus : Qt::StrongFocus);
     for (QLineEdit* field : AddressFields()) {
         field->setEnabled(!zOn);
     }

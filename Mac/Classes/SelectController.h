@@ -116,6 +116,8 @@ private:
     std::string mIPAddressStr;
     int mPortNumber = 0;
     std::string mDeviceName;
+    QString mListDescription;    ///< while the hint has nothing to say
+    QString mRefreshDescription; ///< while there are no news
     std::vector<cListEntry> mListEntries;
     std::unique_ptr<Ui::SelectView> mpUi;
 };

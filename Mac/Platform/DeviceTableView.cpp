@@ -39,6 +39,19 @@ void DeviceTableView::SetPlaceholder(const QString& zText) {
     viewport()->update();
 }
 
+void DeviceTableView::setModel(QAbstractItemModel* zpModel) {
+    QTableView::setModel(zpModel);
+    // After the selection model, which forgets the current row as the rows are read anew.
+    connect(zpModel, &QAbstractItemModel::modelReset, this, [this] { ShowCurrentRow(); });
+}
+
+/// With the keyboard here, people see where it goes on.
+void DeviceTableView::ShowCurrentRow() {
+    if (hasFocus() && model()->rowCount() > 0) {
+        selectionModel()->setCurrentIndex(model()->index(0, 0), QItemSelectionModel::NoUpdate);
+    }
+}
+
 void DeviceTableView::keyPressEvent(QKeyEvent* zpEvent) {
     const bool opens = zpEvent->key() == Qt::Key_Return || zpEvent->key() == Qt::Key_Enter;
     if (opens && currentIndex().isValid()) {

@@ -16,6 +16,8 @@ class DeviceTableView : public QTableView {
 public:
     explicit DeviceTableView(QWidget* zpParent = nullptr);
 
+    void setModel(QAbstractItemModel* zpModel) override;
+
     /// The grey text of the empty table; "" for none.
     void SetPlaceholder(const QString& zText);
 
@@ -43,6 +45,7 @@ protected:
     void startDrag(Qt::DropActions zActions) override;
 
 private:
+    void ShowCurrentRow();
     int WantedWidth() const;
     void FitLastColumn();
     void Consider(QDropEvent& zrEvent);

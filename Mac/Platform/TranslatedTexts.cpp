@@ -12,6 +12,9 @@ namespace {
     // The main window
     QT_TRANSLATE_NOOP("Quillbox", "&Connect"),
     QT_TRANSLATE_NOOP("Quillbox", "Dis&connect"),
+    QT_TRANSLATE_NOOP("Quillbox", "Finds devices and connects to one"),
+    QT_TRANSLATE_NOOP("Quillbox", "Ends the connection to the device"),
+    QT_TRANSLATE_NOOP("Quillbox", "What the folder of the device holds"),
     QT_TRANSLATE_NOOP("Quillbox", "Name"),
     QT_TRANSLATE_NOOP("Quillbox", "Type"),
     QT_TRANSLATE_NOOP("Quillbox", "Date Modified"),

@@ -183,6 +183,22 @@
         <source>Yes to all</source>
         <translation>Ja, alle</translation>
     </message>
+    <message>
+        <source>Ends the operation</source>
+        <translation>Beendet den Vorgang</translation>
+    </message>
+    <message>
+        <source>Keeps what exists and goes on with the next</source>
+        <translation>Behält, was vorhanden ist, und fährt mit dem Nächsten fort</translation>
+    </message>
+    <message>
+        <source>Replaces what exists</source>
+        <translation>Ersetzt, was vorhanden ist</translation>
+    </message>
+    <message>
+        <source>Replaces what exists and asks no more</source>
+        <translation>Ersetzt, was vorhanden ist, und fragt nicht mehr</translation>
+    </message>
 </context>
 <context>
     <name>CreateFolder</name>
@@ -205,6 +221,18 @@
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>What the new folder is to be called</source>
+        <translation>Wie der neue Ordner heißen soll</translation>
+    </message>
+    <message>
+        <source>Makes the folder</source>
+        <translation>Legt den Ordner an</translation>
+    </message>
+    <message>
+        <source>Closes this window and changes nothing</source>
+        <translation>Schließt dieses Fenster und ändert nichts</translation>
     </message>
 </context>
 <context>
@@ -313,6 +341,38 @@
         <source>&amp;About Quillbox</source>
         <translation>Ü&amp;ber Quillbox</translation>
     </message>
+    <message>
+        <source>Finds devices and connects to one</source>
+        <translation>Sucht Geräte und verbindet mit einem davon</translation>
+    </message>
+    <message>
+        <source>Goes to the folder above</source>
+        <translation>Geht zum übergeordneten Ordner</translation>
+    </message>
+    <message>
+        <source>Makes a new folder in the folder shown</source>
+        <translation>Legt im angezeigten Ordner einen neuen Ordner an</translation>
+    </message>
+    <message>
+        <source>Deletes what is selected from the device</source>
+        <translation>Löscht das Ausgewählte vom Gerät</translation>
+    </message>
+    <message>
+        <source>Sends files of this computer to the folder shown</source>
+        <translation>Sendet Dateien dieses Computers in den angezeigten Ordner</translation>
+    </message>
+    <message>
+        <source>Copies what is selected to this computer</source>
+        <translation>Kopiert das Ausgewählte auf diesen Computer</translation>
+    </message>
+    <message>
+        <source>Lets what is behind this window show through</source>
+        <translation>Lässt durchscheinen, was hinter diesem Fenster ist</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>Ö&amp;ffnen</translation>
+    </message>
 </context>
 <context>
     <name>ProgressView</name>
@@ -331,6 +391,14 @@
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>How much of it is done</source>
+        <translation>Wie viel davon erledigt ist</translation>
+    </message>
+    <message>
+        <source>Ends the operation</source>
+        <translation>Beendet den Vorgang</translation>
     </message>
 </context>
 <context>
@@ -773,6 +841,18 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
         <extracomment>The type of a file without an extension; only the English one begins with a blank.</extracomment>
         <translation>Datei</translation>
     </message>
+    <message>
+        <source>Finds devices and connects to one</source>
+        <translation>Sucht Geräte und verbindet mit einem davon</translation>
+    </message>
+    <message>
+        <source>Ends the connection to the device</source>
+        <translation>Beendet die Verbindung zum Gerät</translation>
+    </message>
+    <message>
+        <source>What the folder of the device holds</source>
+        <translation>Was der Ordner auf dem Gerät enthält</translation>
+    </message>
 </context>
 <context>
     <name>SelectView</name>
@@ -839,6 +919,38 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     <message>
         <source>Cancel</source>
         <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Connects to a device of the list</source>
+        <translation>Verbindet mit einem Gerät der Liste</translation>
+    </message>
+    <message>
+        <source>The devices found on the network</source>
+        <translation>Die im Netzwerk gefundenen Geräte</translation>
+    </message>
+    <message>
+        <source>Lists the devices found so far</source>
+        <translation>Listet die bisher gefundenen Geräte auf</translation>
+    </message>
+    <message>
+        <source>Connects to a device whose address you know</source>
+        <translation>Verbindet mit einem Gerät, dessen Adresse Sie kennen</translation>
+    </message>
+    <message>
+        <source>A number from 0 to 255</source>
+        <translation>Eine Zahl von 0 bis 255</translation>
+    </message>
+    <message>
+        <source>Opens the user guide</source>
+        <translation>Öffnet das Benutzerhandbuch</translation>
+    </message>
+    <message>
+        <source>Connects to the chosen device</source>
+        <translation>Verbindet mit dem gewählten Gerät</translation>
+    </message>
+    <message>
+        <source>Closes this window and changes nothing</source>
+        <translation>Schließt dieses Fenster und ändert nichts</translation>
     </message>
 </context>
 </TS>

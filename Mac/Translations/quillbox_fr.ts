@@ -183,6 +183,22 @@
         <source>Yes to all</source>
         <translation>Oui pour tout</translation>
     </message>
+    <message>
+        <source>Ends the operation</source>
+        <translation>Met fin à l’opération</translation>
+    </message>
+    <message>
+        <source>Keeps what exists and goes on with the next</source>
+        <translation>Garde ce qui existe et passe au suivant</translation>
+    </message>
+    <message>
+        <source>Replaces what exists</source>
+        <translation>Remplace ce qui existe</translation>
+    </message>
+    <message>
+        <source>Replaces what exists and asks no more</source>
+        <translation>Remplace ce qui existe sans plus rien demander</translation>
+    </message>
 </context>
 <context>
     <name>CreateFolder</name>
@@ -205,6 +221,18 @@
     <message>
         <source>Cancel</source>
         <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>What the new folder is to be called</source>
+        <translation>Le nom que portera le nouveau dossier</translation>
+    </message>
+    <message>
+        <source>Makes the folder</source>
+        <translation>Crée le dossier</translation>
+    </message>
+    <message>
+        <source>Closes this window and changes nothing</source>
+        <translation>Ferme cette fenêtre sans rien changer</translation>
     </message>
 </context>
 <context>
@@ -313,6 +341,38 @@
         <source>&amp;About Quillbox</source>
         <translation>À &amp;propos de Quillbox</translation>
     </message>
+    <message>
+        <source>Finds devices and connects to one</source>
+        <translation>Cherche des appareils et se connecte à l’un d’eux</translation>
+    </message>
+    <message>
+        <source>Goes to the folder above</source>
+        <translation>Remonte au dossier parent</translation>
+    </message>
+    <message>
+        <source>Makes a new folder in the folder shown</source>
+        <translation>Crée un nouveau dossier dans le dossier affiché</translation>
+    </message>
+    <message>
+        <source>Deletes what is selected from the device</source>
+        <translation>Supprime la sélection de l’appareil</translation>
+    </message>
+    <message>
+        <source>Sends files of this computer to the folder shown</source>
+        <translation>Envoie des fichiers de cet ordinateur dans le dossier affiché</translation>
+    </message>
+    <message>
+        <source>Copies what is selected to this computer</source>
+        <translation>Copie la sélection sur cet ordinateur</translation>
+    </message>
+    <message>
+        <source>Lets what is behind this window show through</source>
+        <translation>Laisse transparaître ce qui est derrière cette fenêtre</translation>
+    </message>
+    <message>
+        <source>&amp;Open</source>
+        <translation>&amp;Ouvrir</translation>
+    </message>
 </context>
 <context>
     <name>ProgressView</name>
@@ -331,6 +391,14 @@
     <message>
         <source>Cancel</source>
         <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>How much of it is done</source>
+        <translation>Ce qui est déjà fait</translation>
+    </message>
+    <message>
+        <source>Ends the operation</source>
+        <translation>Met fin à l’opération</translation>
     </message>
 </context>
 <context>
@@ -773,6 +841,18 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
         <extracomment>The type of a file without an extension; only the English one begins with a blank.</extracomment>
         <translation>Fichier</translation>
     </message>
+    <message>
+        <source>Finds devices and connects to one</source>
+        <translation>Cherche des appareils et se connecte à l’un d’eux</translation>
+    </message>
+    <message>
+        <source>Ends the connection to the device</source>
+        <translation>Met fin à la connexion avec l’appareil</translation>
+    </message>
+    <message>
+        <source>What the folder of the device holds</source>
+        <translation>Ce que contient le dossier de l’appareil</translation>
+    </message>
 </context>
 <context>
     <name>SelectView</name>
@@ -839,6 +919,38 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
     <message>
         <source>Cancel</source>
         <translation>Annuler</translation>
+    </message>
+    <message>
+        <source>Connects to a device of the list</source>
+        <translation>Se connecte à un appareil de la liste</translation>
+    </message>
+    <message>
+        <source>The devices found on the network</source>
+        <translation>Les appareils trouvés sur le réseau</translation>
+    </message>
+    <message>
+        <source>Lists the devices found so far</source>
+        <translation>Affiche les appareils trouvés jusqu’ici</translation>
+    </message>
+    <message>
+        <source>Connects to a device whose address you know</source>
+        <translation>Se connecte à un appareil dont vous connaissez l’adresse</translation>
+    </message>
+    <message>
+        <source>A number from 0 to 255</source>
+        <translation>Un nombre de 0 à 255</translation>
+    </message>
+    <message>
+        <source>Opens the user guide</source>
+        <translation>Ouvre le guide de l’utilisateur</translation>
+    </message>
+    <message>
+        <source>Connects to the chosen device</source>
+        <translation>Se connecte à l’appareil choisi</translation>
+    </message>
+    <message>
+        <source>Closes this window and changes nothing</source>
+        <translation>Ferme cette fenêtre sans rien changer</translation>
     </message>
 </context>
 </TS>

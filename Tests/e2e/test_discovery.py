@@ -1,7 +1,7 @@
 """Devices that announce themselves by multicast on a network of several machines."""
 
 import case
-import lan
+import lancase
 
 # Announcements come every 4 s; whoever is silent goes with the first one that finds 10 s over.
 EXPIRY_LIMIT = 30.0
@@ -9,22 +9,7 @@ SONGS = {"song.wav": b"song", "Music/live.wav": b"live"}
 NOTES = {"notes.txt": b"notes"}
 
 
-class LanCase(case.Case):
-    time_limit = 120
-
-    def setUp(self):
-        super().setUp()
-        self.lan = lan.Lan(self.desktop)
-        self.home = self.lan.add_host()
-
-    def serve_on_lan(self, name, files):
-        """A device on a machine of its own; returns it and its machine."""
-        host = self.lan.add_host()
-        device, _ = self.serve(files, name=name, address=host.address, announce=["--announce"], host=host)
-        return device, host
-
-
-class DiscoveryTest(LanCase):
+class DiscoveryTest(lancase.LanCase):
     def test_found_devices_are_connected_to_and_browsed(self):
         machines = {name: self.serve_on_lan(name, files)[1].address
                     for name, files in (("Songs box", SONGS), ("Boîte à notes", NOTES))}
@@ -97,7 +82,7 @@ class DiscoveryTest(LanCase):
         again.confirm_selection(dialog, "Chosen")
 
 
-class SideBySideTest(LanCase):
+class SideBySideTest(lancase.LanCase):
     def test_two_programs_of_one_machine_hear_the_same_device(self):
         pair = [self.start(self.home), self.start(self.home)]
         _, host = self.serve_on_lan("Songs box", SONGS)
@@ -117,4 +102,4 @@ class SideBySideTest(LanCase):
 
 
 if __name__ == "__main__":
-    case.main(lan.reason_not_to_run)
+    lancase.main()

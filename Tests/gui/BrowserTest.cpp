@@ -239,6 +239,18 @@ TEST_F(Browsing, AFileOpensNothing) {
     EXPECT_EQ(Status(), "Connected to 'Scripted'");
 }
 
+TEST_F(Browsing, TheKeyboardStaysVisibleInEveryListing) {
+    ConnectToNestedFolders();
+    Key(Qt::Key_Down);
+    EXPECT_EQ(Table().currentIndex().row(), 1);
+    Key(Qt::Key_F5);
+    EXPECT_EQ(Table().currentIndex().row(), 0);
+    EXPECT_THAT(SelectedNames(), IsEmpty());
+    Button("Upload").setFocus();
+    Key(Qt::Key_F5);
+    EXPECT_FALSE(Table().currentIndex().isValid()) << "the keyboard is elsewhere";
+}
+
 TEST_F(Browsing, ReturnInAnEmptyFolderOpensNothing) {
     Connect();
     Table().setFocus();

@@ -23,6 +23,7 @@ protected:
         Connect();
     }
 
+    /// What assistive tools say of the table, which has the words of its grey text while it has one.
     std::string GreyText() { return Table().accessibleDescription().toStdString(); }
 
     /// Lists again, and cancels that; the answer comes right behind.
@@ -49,7 +50,7 @@ protected:
     void ExpectListed() {
         EXPECT_EQ(Status(), kConnected);
         EXPECT_THAT(RowNames(), ElementsAre("locked", "1.wav"));
-        EXPECT_EQ(GreyText(), "");
+        EXPECT_EQ(GreyText(), "What the folder of the device holds");
         EXPECT_TRUE(IsEnabled("Upload"));
         EXPECT_TRUE(IsEnabled("Create Folder"));
     }

@@ -243,6 +243,30 @@ TEST_F(MainWindowTest, MenuEntriesHaveTheirKeys) {
     }
 }
 
+TEST_F(MainWindowTest, OpenOpensTheOneFolderThatIsSelected) {
+    mDevice.AddFile("a.wav");
+    mDevice.AddFolder("Music");
+    mDevice.AddFolder("Old");
+    QAction& open = MenuEntry("Open");
+    EXPECT_FALSE(open.isEnabled());
+    ASSERT_TRUE(ConnectTo(mDevice));
+    EXPECT_FALSE(open.isEnabled());
+    for (const Names& others : {Names{"a.wav"}, Names{"Music", "Old"}, Names{"Music", "a.wav"}}) {
+        SelectRows(others);
+        EXPECT_FALSE(open.isEnabled()) << others.front();
+    }
+    SelectRows({"Music"});
+    EXPECT_TRUE(open.isEnabled());
+    // As assistive tools leave it: selected, but not where the keyboard is.
+    Table().selectionModel()->setCurrentIndex({}, QItemSelectionModel::NoUpdate);
+    open.trigger();
+    EXPECT_EQ(Directory(), "/") << "whoever chose the entry is not kept waiting";
+    EXPECT_TRUE(WaitFor([&] { return Directory() == "/Music"; }));
+    EXPECT_FALSE(open.isEnabled());
+    Press("Disconnect");
+    EXPECT_FALSE(open.isEnabled());
+}
+
 TEST_F(MainWindowTest, EveryButtonHasAMnemonicOfItsOwn) {
     ASSERT_TRUE(ConnectTo(mDevice));
     QList<QKeySequence> mnemonics;

@@ -26,6 +26,10 @@ constexpr const char* kNews = "New devices were found. Press Refresh to see them
 constexpr const char* kNewsTyping =
     "New devices were found. To see them, choose \"Use found device\" and press Refresh.";
 
+// What assistive tools say of the list and the button while there is nothing else to say.
+constexpr const char* kDevices = "The devices found on the network";
+constexpr const char* kRefresh = "Lists the devices found so far";
+
 class SelectionList : public Selection {
 protected:
     WrappingLabel& HintLabel() { return *mpDialog->findChild<WrappingLabel*>(); }
@@ -34,7 +38,7 @@ protected:
     std::string Hint() {
         WrappingLabel& label = HintLabel();
         if (!label.isVisible()) {
-            EXPECT_EQ(AccessibleText(List(), QAccessible::Description), QString());
+            EXPECT_EQ(AccessibleText(List(), QAccessible::Description), kDevices);
             return "";
         }
         EXPECT_EQ(label.textFormat(), Qt::PlainText);
@@ -48,7 +52,7 @@ protected:
         EXPECT_EQ(button.text(), QStringLiteral("&Refresh"));
         EXPECT_EQ(button.icon().isNull(), !zNews);
         EXPECT_EQ(AccessibleText(button, QAccessible::Description),
-                  zNews ? QStringLiteral("New devices were found") : QString());
+                  zNews ? QStringLiteral("New devices were found") : QString(kRefresh));
     }
 
     bool WaitForHint(const char* zText) {

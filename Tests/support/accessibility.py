@@ -21,8 +21,8 @@ TEXT = "org.a11y.atspi.Text"
 VALUE = "org.a11y.atspi.Value"
 PROPERTIES = "org.freedesktop.DBus.Properties"
 
-STATE_BITS = {"active": 1, "checked": 4, "enabled": 8, "focused": 12, "pressed": 20, "selected": 23,
-              "showing": 25}
+STATE_BITS = {"active": 1, "checked": 4, "enabled": 8, "focusable": 11, "focused": 12, "pressed": 20, "selected": 23,
+              "showing": 25, "default": 39}
 
 # Their items can be many; they are reached by row instead.
 UNSEARCHED_ROLES = ("table", "list", "tree", "tree table", "menu bar")
@@ -163,6 +163,11 @@ class Node:
             return f"{role or 'control'} '{name}' in {self!r}"
         return wait_for(lambda: self.look_for(name, role), message, seconds)
 
+    def menu_entry(self, name):
+        """The entry with this name in a menu bar, or in the menu that an entry opens; None when there is none."""
+        menus = [self] if self.role == "menu bar" else self.children()
+        return next((entry for menu in menus for entry in menu.children() if entry.name == name), None)
+
     def tree(self, depth=0):
         """What is visible below, one line each, for messages."""
         lines = [f"{'  ' * depth}{self!r} {self.description!r}"]
@@ -204,3 +209,10 @@ class Table:
 
     def selected_rows(self):
         return sorted(self.node.call(TABLE, "GetSelectedRows")[0])
+
+    def select_rows(self, rows):
+        """Has exactly these rows selected."""
+        for row in set(self.selected_rows()) - set(rows):
+            self.node.call(TABLE, "RemoveRowSelection", GLib.Variant("(i)", (row,)))
+        for row in rows:
+            self.node.call(TABLE, "AddRowSelection", GLib.Variant("(i)", (row,)))

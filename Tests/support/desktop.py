@@ -129,23 +129,30 @@ class Desktop:
         subprocess.run(["import", "-window", "root", "-trim", "+repage", str(path)], env=self.environment,
                        check=True, timeout=20)
 
+    def pixels(self, node):
+        """The colours of a control on the screen, as bytes."""
+        left, top, width, height = settled_extents(node)
+        place = f"{width}x{height}+{left}+{top}"
+        return subprocess.run(["import", "-window", "root", "-crop", place, "-depth", "8", "rgb:-"],
+                              env=self.environment, check=True, timeout=20, stdout=subprocess.PIPE).stdout
+
     # Pointer and keys.
 
-    def _xdotool(self, *words):
+    def send_input(self, *words):
         return subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True, timeout=20,
                               stdout=subprocess.PIPE, text=True).stdout
 
     def move_pointer(self, x, y):
-        self._xdotool("mousemove", x, y)
+        self.send_input("mousemove", x, y)
 
     def hold_button(self):
-        self._xdotool("mousedown", 1)
+        self.send_input("mousedown", 1)
 
     def release_button(self):
-        self._xdotool("mouseup", 1)
+        self.send_input("mouseup", 1)
 
     def click_at(self, x, y, times=1, button=1):
-        self._xdotool("mousemove", x, y, "click", "--repeat", times, "--delay", 40, button)
+        self.send_input("mousemove", x, y, "click", "--repeat", times, "--delay", 40, button)
 
     def click(self, node, across=0.5):
         """Clicks a control with the pointer, this far across its width, once it has come to rest."""
@@ -163,16 +170,16 @@ class Desktop:
 
     def click_in_addition(self, x, y):
         """Clicks as people do who add to a selection."""
-        self._xdotool("keydown", "ctrl")
+        self.send_input("keydown", "ctrl")
         self.click_at(x, y)
-        self._xdotool("keyup", "ctrl")
+        self.send_input("keyup", "ctrl")
 
     def keys(self, *names):
         """Presses keys, such as "Return" or "ctrl+q", in the window that has the focus."""
-        self._xdotool("key", "--delay", 15, *names)
+        self.send_input("key", "--delay", 15, *names)
 
     def type(self, text):
-        self._xdotool("type", "--delay", 15, text)
+        self.send_input("type", "--delay", 15, text)
 
     def place_window(self, process, left, top, width, height):
         """Gives the one window that a process shows this place and size, its frame not counted."""
@@ -181,7 +188,7 @@ class Desktop:
                                    env=self.environment, check=False, timeout=20, stdout=subprocess.PIPE)
             return found.stdout.split()
         window = int(wait_for(shown, f"a window of {process.argv[0]}")[0])
-        self._xdotool("windowsize", window, width, height, "windowmove", window, left, top)
+        self.send_input("windowsize", window, width, height, "windowmove", window, left, top)
 
     def close_window(self, node):
         """Closes a window by the button in its title bar."""

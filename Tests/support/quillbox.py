@@ -87,6 +87,13 @@ class Quillbox:
             return nothing_selected and self.program.titles() == [MAIN_WINDOW] and self.names()
         wait_for(ended, lambda: f"the end of a transfer with {self.program.titles()}", seconds)
 
+    def menu_entry(self, *path):
+        """An entry of the menu bar by the names on the way to it, whether its menu is open or not."""
+        node = next(node for node in self.main.descendants() if node.role == "menu bar")
+        for name in path:
+            node = wait_for(lambda: node.menu_entry(name), f"the menu entry {' > '.join(path)}")
+        return node
+
     # Connecting.
 
     def open_selection(self):

@@ -36,3 +36,8 @@ def stays(condition, seconds):
             return False
         time.sleep(POLL_PAUSE)
     return True
+
+
+def becomes(condition, seconds):
+    """True when `condition` holds at some look during this time."""
+    return not stays(lambda: not condition(), seconds)
