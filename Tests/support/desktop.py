@@ -74,8 +74,9 @@ def program_folder():
 
 
 class Desktop:
-    def __init__(self, programs=None):
+    def __init__(self, programs=None, screen=SCREEN):
         self.programs = pathlib.Path(programs or program_folder())
+        self._screen = screen
         self.root = None
         self.home = None
         self.environment = {}
@@ -213,7 +214,7 @@ class Desktop:
                 self.environment[name] = os.environ[name]
 
     def _start_display(self):
-        server = self.start(["Xvfb", "-displayfd", "1", "-screen", "0", SCREEN, "-nolisten", "tcp",
+        server = self.start(["Xvfb", "-displayfd", "1", "-screen", "0", self._screen, "-nolisten", "tcp",
                              "-noreset"])
         server.wait_for_output("\n")
         number = [line for line in server.output().splitlines() if line.strip().isdigit()][-1]
