@@ -12,7 +12,6 @@ LIGHT = {"Window": "#eff0f1", "View": "#ffffff", "Button": "#fcfcfc", "Text": "#
 DARK = {"Window": "#2a2e32", "View": "#1d2023", "Button": "#363b40", "Text": "#eceff1", "Alternate": "#24282b",
         "Selection": "#3874b8", "Tooltip": "#363b40", "Inactive": "#a1a9b1"}
 LOCALES = {"en": "C.UTF-8", "de": "de_DE.UTF-8", "fr": "fr_FR.UTF-8"}
-SCREEN = (1280, 900)
 
 SETTINGS = """[General]
 ColorScheme=Quillbox
@@ -49,11 +48,6 @@ class Look:
     dark: bool = False
     scale: int = 1
     language: str = "en"
-
-    @property
-    def screen(self):
-        width, height = SCREEN
-        return f"{width * self.scale}x{height * self.scale}x24"
 
     def put_on(self, desktop):
         """Gives this look to every program that is started on the desktop from now on."""

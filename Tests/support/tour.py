@@ -7,10 +7,12 @@ Leaves the pictures and a page that shows them, index.html. Ends with status 0 o
 
 import argparse
 import math
+import os
 import pathlib
 import re
 import shutil
 import struct
+import subprocess
 import sys
 import urllib.parse
 import wave
@@ -32,16 +34,18 @@ PORT_BEHIND_THE_LINK = 10250
 DEVICE_NAME = "Sample device"
 FOLDER = "Field recordings"
 NEW_FOLDER = "Rehearsals"
+HOME = pathlib.Path("/media/anna")
 LONG_SOUND = "Evening by the lake.wav"
 LONG_SOUND_SECONDS = 60
+DATE_OF_SOUND = 1715106600  # 7 May 2024, in the evening
 RATE = 2_500_000  # bytes per second: a handheld device on a wireless network
 SOUNDS_ON_DEVICE = {"Harbour.wav": "Harbour.aiff", "Evening by the lake.wav": LONG_SOUND}
 DROPPED = {"Autumn tour/Programme.txt": "1. Overture\n2. Interlude\n", "Autumn tour/Travel/Trains.txt": "Tuesday, 8:04\n"}
 PROBLEMS = (RuntimeError, TimeoutError, Gone)
 
-# Left, top, width and height, at 100 %: the windows share the screen for the drop, and a strip of it stays bare.
+# Left, top, width and height: the windows share the screen for the drop, and a strip of it stays bare.
 PROGRAM_PLACE = (200, 140, 860, 560)
-PROGRAM_PLACE_BESIDE = (10, 380, 860, 480)
+PROGRAM_PLACE_BESIDE = (10, 415, 860, 450)
 MANAGER_PLACE = (10, 30, 860, 310)
 BARE_DESKTOP = (1200, 860)
 
@@ -54,15 +58,15 @@ echo "$1" >> "$XDG_RUNTIME_DIR/shown"
 class Tour:
     """One walk through the program, beside a device that serves a copy of the sample folder."""
 
-    def __init__(self, desktop, sample, pictures, look):
+    def __init__(self, desktop, sample, home, pictures, look):
         self._desktop = desktop
+        self._home = home
         self._pictures = pictures
-        self._look = look
         self.report = Report(pictures, look)
         self._served = desktop.folder("device") / "sample"
         shutil.copytree(sample, self._served)
         write_sound(self._served / FOLDER / LONG_SOUND, LONG_SOUND_SECONDS)
-        self._target = desktop.home / "Downloads"
+        self._target = home / "Music"
         self._target.mkdir()
         self._step = 0
         Device(desktop, self._served, name=DEVICE_NAME, announce=["--announce-to", ADDRESS],
@@ -113,7 +117,7 @@ class Tour:
                    of=self._quillbox.main)
 
     def disconnect(self):
-        self._quillbox.disconnect()
+        self._disconnect()
         self._done("disconnected", "Disconnected", "Disconnect ends the connection.")
 
     def choose(self):
@@ -127,8 +131,8 @@ class Tour:
         self._quillbox.press_in("Select Device", "OK")
         self._quillbox.wait_for_status(f"Connected to '{DEVICE_NAME}'")
         self._wait_for_listing("/")
-        self._quillbox.select(FOLDER)
-        self._done("connect", "Connected to the found device", "One folder is selected, so it can be downloaded.",
+        self._quillbox.select("Read me first.txt", "Straßenmusik")
+        self._done("connect", "Connected to the found device", "What is selected can be downloaded.",
                    of=self._quillbox.main)
 
     def browse(self):
@@ -202,15 +206,15 @@ class Tour:
 
     def drop(self):
         """Drags a folder from a file manager's window onto the table."""
-        source = self._desktop.home / "Programmes"
+        source = self._home / "Programmes"
         write_texts(source, DROPPED)
         self._place_program(PROGRAM_PLACE_BESIDE)
-        manager = Thunar(self._desktop, source, self._scaled(MANAGER_PLACE))
+        manager = Thunar(self._desktop, source, MANAGER_PLACE)
         manager.select("Autumn tour")
         left, top, width, height = settled_extents(self._quillbox.table.node)
-        with Dragging(self._desktop, self._scaled(BARE_DESKTOP)) as hand:
+        with Dragging(self._desktop, BARE_DESKTOP) as hand:
             hand.lift(manager.grip("Autumn tour"))
-            hand.carry_where_it_is_taken((left + width // 2, top + height - 40 * self._look.scale))
+            hand.carry_where_it_is_taken((left + width // 2, top + height - 40))
             self._done("drag", "Drag files and folders in", "A folder of the file manager hangs on the pointer.",
                        of=manager.window)
             hand.let_go()
@@ -235,12 +239,16 @@ class Tour:
         self._done("deleted", "Deleted", "The folder is gone from the device.")
 
     def leave(self):
-        self._quillbox.disconnect()
+        self._disconnect()
         self._done("end", "Disconnected again", "The table is empty, and the buttons that need a device are grey.",
                    of=self._quillbox.main)
         self._desktop.keys("ctrl+q")
         check(self._quillbox.program.process.wait() == 0, "the program ends with status 0")
         self._done("quit", "Quit", "Ctrl+Q ends the program.")
+
+    def _disconnect(self):
+        self._quillbox.click_button("Disconnect")
+        wait_for(lambda: not self._quillbox.is_connected(), "the end of the connection")
 
     def _show_progress(self, title, *step):
         """Takes a picture of a transfer on its way; its rest goes as fast as it can."""
@@ -263,11 +271,8 @@ class Tour:
         self._quillbox.wait_for_listing(folder, names_in(self._served / folder.lstrip("/")))
 
     def _place_program(self, place):
-        self._desktop.place_window(self._quillbox.program.process, *self._scaled(place))
+        self._desktop.place_window(self._quillbox.program.process, *place)
         settled_extents(self._quillbox.main)
-
-    def _scaled(self, place):
-        return tuple(length * self._look.scale for length in place)
 
     def _done(self, name, title, text, notes=(), of=None):
         """Reports a step, with a picture when it is `of` a window, which has to have the focus."""
@@ -308,6 +313,7 @@ def write_sound(path, seconds):
         sound.setparams((2, 3, frames, 0, "NONE", "not compressed"))
         for _ in range(seconds):
             sound.writeframesraw(second)
+    os.utime(path, (DATE_OF_SOUND, DATE_OF_SOUND))
 
 
 def format_of(path):
@@ -319,6 +325,14 @@ def format_of(path):
 def check(condition, statement):
     if not condition:
         raise RuntimeError(f"not so: {statement}")
+
+
+def move_in(desktop):
+    """A home for the person whose pictures these are, where nothing of this machine shows; it ends with the tour."""
+    subprocess.run(["mount", "-t", "tmpfs", "tmpfs", HOME.parent], check=True, timeout=20)
+    HOME.mkdir()
+    desktop.environment["HOME"] = str(HOME)
+    return HOME
 
 
 def dress(desktop, look):
@@ -354,7 +368,7 @@ def remove_earlier(pictures):
 
 def take(chosen, desktop, look):
     """Takes the tour; returns what it stopped at, None when it was complete."""
-    tour = Tour(desktop, chosen.sample, chosen.pictures, look)
+    tour = Tour(desktop, chosen.sample, move_in(desktop), chosen.pictures, look)
     try:
         tour.walk()
     except PROBLEMS as problem:
@@ -374,7 +388,7 @@ def main():
     namespace.enter()
     remove_earlier(chosen.pictures)
     look = Look(chosen.dark, chosen.scale, chosen.language)
-    with Desktop(chosen.bin.resolve(), look.screen) as desktop:
+    with Desktop(chosen.bin.resolve(), look.scale) as desktop:
         dress(desktop, look)
         sys.exit(take(chosen, desktop, look))
 
