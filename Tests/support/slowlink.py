@@ -17,10 +17,11 @@ ROOM = 64 * 1024
 
 
 class SlowLink:
+    """Carries connections for as long as the driver lives."""
+
     def __init__(self, listen, to):
         self.rate = None
         self._to = to
-        self._ends = []
         self._listener = socket.socket()
         self._listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
         self._listener.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, ROOM)
@@ -28,20 +29,12 @@ class SlowLink:
         self._listener.listen()
         start(self._accept)
 
-    def stop(self):
-        for end in (self._listener, *self._ends):
-            with contextlib.suppress(OSError):
-                end.shutdown(socket.SHUT_RDWR)
-            end.close()
-
     def _accept(self):
-        with contextlib.suppress(OSError):  # the listener is closed
-            while True:
-                program, _ = self._listener.accept()
-                device = socket.create_connection(self._to)
-                self._ends += [program, device]
-                start(self._carry, program, device)
-                start(self._carry, device, program)
+        while True:
+            program, _ = self._listener.accept()
+            device = socket.create_connection(self._to)
+            start(self._carry, program, device)
+            start(self._carry, device, program)
 
     def _carry(self, source, target):
         with contextlib.suppress(OSError):  # one side left; the other one is told

@@ -18,7 +18,7 @@ ol {{ list-style: none; margin: 2rem 0; padding: 0; }}
 li {{ margin: 0 0 2.75rem; padding-top: 1.25rem; border-top: 1px solid #8884; }}
 li .number {{ color: #888; margin-right: .4rem; }}
 ul {{ margin: .3rem 0; padding-left: 1.2rem; color: #888; font-size: .9rem; }}
-img {{ display: block; width: auto; max-width: 100%; margin-top: .8rem; border-radius: 6px; box-shadow: 0 2px 14px #0005; }}
+img {{ display: block; max-width: 100%; margin-top: .8rem; border-radius: 6px; box-shadow: 0 2px 14px #0005; }}
 .failed {{ border-left: .3rem solid #c33; padding-left: .8rem; }}
 footer {{ color: #888; }}
 </style>
