@@ -12,6 +12,7 @@ LIGHT = {"Window": "#eff0f1", "View": "#ffffff", "Button": "#fcfcfc", "Text": "#
 DARK = {"Window": "#2a2e32", "View": "#1d2023", "Button": "#363b40", "Text": "#eceff1", "Alternate": "#24282b",
         "Selection": "#3874b8", "Tooltip": "#363b40", "Inactive": "#a1a9b1"}
 LOCALES = {"en": "C.UTF-8", "de": "de_DE.UTF-8", "fr": "fr_FR.UTF-8"}
+LANGUAGES = {"en": "English", "de": "German", "fr": "French"}
 
 SETTINGS = """[General]
 ColorScheme=Quillbox
@@ -79,7 +80,8 @@ class Look:
         subprocess.run(["openbox", "--reconfigure"], env=desktop.environment, check=True, timeout=20)
 
     def __str__(self):
-        return f"{'dark' if self.dark else 'light'}, {100 * self.scale} %, {self.language}"
+        colour = "dark" if self.dark else "light"
+        return f"on a {colour} desktop at {100 * self.scale} %, in {LANGUAGES[self.language]}"
 
 
 def colours(scheme):

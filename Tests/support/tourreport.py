@@ -10,12 +10,13 @@ PAGE = """<!DOCTYPE html>
 <title>Quillbox: the guided tour</title>
 <style>
 :root {{ color-scheme: light dark; }}
-body {{ max-width: 62rem; margin: 2.5rem auto; padding: 0 1.25rem; font: 1rem/1.5 system-ui, sans-serif; }}
+body {{ max-width: 84rem; margin: 2.5rem auto; padding: 0 1.25rem; font: 1rem/1.5 system-ui, sans-serif; }}
 h1 {{ margin: 0; line-height: 1.2; }}
 h2 {{ margin: 0 0 .2rem; font-size: 1.15rem; }}
 p {{ margin: .3rem 0; }}
-ol {{ list-style: none; margin: 2rem 0; padding: 0; }}
-li {{ margin: 0 0 2.75rem; padding-top: 1.25rem; border-top: 1px solid #8884; }}
+ol {{ list-style: none; margin: 2rem 0; padding: 0; display: grid; gap: 2.5rem 3rem;
+     grid-template-columns: repeat(auto-fill, minmax(min(100%, 30rem), 1fr)); }}
+ol > li {{ padding-top: 1.25rem; border-top: 1px solid #8884; }}
 li .number {{ color: #888; margin-right: .4rem; }}
 ul {{ margin: .3rem 0; padding-left: 1.2rem; color: #888; font-size: .9rem; }}
 img {{ display: block; max-width: 100%; margin-top: .8rem; border-radius: 6px; box-shadow: 0 2px 14px #0005; }}
@@ -61,7 +62,7 @@ class Report:
         if problem:
             end = f'<div class="failed"><p>The tour stopped: {html.escape(str(problem))}</p>' \
                   f"{self._image(picture, 'The screen at that moment')}</div>"
-        summary = f"The real program beside a device on this computer, {len(self._steps)} steps ({self._look})."
+        summary = f"The real program beside a device on this computer, {self._look}: {len(self._steps)} steps."
         page = PAGE.format(summary=html.escape(summary), steps="".join(self._steps), end=end)
         path = self._folder / "index.html"
         path.write_text(page, encoding="utf-8")

@@ -102,7 +102,7 @@ class Tour:
 
     def disconnect(self):
         self._disconnect()
-        self._done("disconnected", "Disconnected", "Disconnect ends the connection.")
+        self._done("disconnected", "Disconnected", "Disconnect ends the connection.", of=self._quillbox.main)
 
     def choose(self):
         dialog = self._quillbox.open_selection()
@@ -220,7 +220,7 @@ class Tour:
         alert.find("OK", "push button").press()
         self._quillbox.wait_for_listing("/", set(names_in(self._served)) - {NEW_FOLDER})
         check(not (self._served / NEW_FOLDER).exists(), f"the device has deleted '{NEW_FOLDER}'")
-        self._done("deleted", "Deleted", "The folder is gone from the device.")
+        self._done("deleted", "Deleted", "The folder is gone from the device.", of=self._quillbox.main)
 
     def leave(self):
         self._disconnect()
