@@ -34,7 +34,7 @@ DROPPED = {"Autumn tour/Programme.txt": "1. Overture\n2. Interlude\n",
 
 # Left, top, width and height: the windows share the screen for the drop, and a strip of it stays bare.
 PROGRAM_PLACE = (200, 140, 860, 560)
-PROGRAM_PLACE_BESIDE = (10, 415, 860, 450)
+PROGRAM_PLACE_BESIDE = (10, 395, 860, 450)
 MANAGER_PLACE = (10, 30, 860, 310)
 BARE_DESKTOP = (1200, 860)
 
