@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import subprocess
 import tempfile
 import unittest
@@ -11,7 +12,8 @@ BUILD = pathlib.Path(os.environ.get("QUILLBOX_BUILD", REPOSITORY / "build/dev"))
 CMAKE = os.environ.get("QUILLBOX_CMAKE", "cmake")
 
 PROGRAMS = {"bin/quillbox", "bin/quillbox-device"}
-FILES = PROGRAMS | {
+GUIDE = (REPOSITORY / "docs/user-guide.md").read_text(encoding="utf-8")
+FILES = PROGRAMS | {f"share/doc/quillbox/{picture}" for picture in re.findall(r"\]\((pictures/[^)]+)\)", GUIDE)} | {
     "share/applications/quillbox.desktop",
     "share/metainfo/org.quillbox.quillbox.metainfo.xml",
     "share/icons/hicolor/scalable/apps/quillbox.svg",

@@ -24,7 +24,7 @@ TOOLS = ("Xvfb", "openbox", "xdotool", "xprop", "import", "dbus-daemon", "ip", "
 FAR_OUTSIDE = 100_000
 ACCESSIBILITY_LAUNCHER = pathlib.Path("/usr/libexec/at-spi-bus-launcher")
 ALERT = "alert message"
-SCREEN = "1280x900x24"
+SCREEN = (1280, 900)
 REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 
 # A bus that starts no services: what the program finds on it is what this driver put there.
@@ -74,8 +74,10 @@ def program_folder():
 
 
 class Desktop:
-    def __init__(self, programs=None):
+    def __init__(self, programs=None, scale=1):
+        """Places and sizes are in points, of which each has `scale` pixels both ways."""
         self.programs = pathlib.Path(programs or program_folder())
+        self._scale = scale
         self.root = None
         self.home = None
         self.environment = {}
@@ -142,8 +144,11 @@ class Desktop:
         return subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True, timeout=20,
                               stdout=subprocess.PIPE, text=True).stdout
 
+    def _pixels(self, *points):
+        return [length * self._scale for length in points]
+
     def move_pointer(self, x, y):
-        self.send_input("mousemove", x, y)
+        self.send_input("mousemove", *self._pixels(x, y))
 
     def hold_button(self):
         self.send_input("mousedown", 1)
@@ -152,7 +157,7 @@ class Desktop:
         self.send_input("mouseup", 1)
 
     def click_at(self, x, y, times=1, button=1):
-        self.send_input("mousemove", x, y, "click", "--repeat", times, "--delay", 40, button)
+        self.send_input("mousemove", *self._pixels(x, y), "click", "--repeat", times, "--delay", 40, button)
 
     def click(self, node, across=0.5):
         """Clicks a control with the pointer, this far across its width, once it has come to rest."""
@@ -188,7 +193,8 @@ class Desktop:
                                    env=self.environment, check=False, timeout=20, stdout=subprocess.PIPE)
             return found.stdout.split()
         window = int(wait_for(shown, f"a window of {process.argv[0]}")[0])
-        self.send_input("windowsize", window, width, height, "windowmove", window, left, top)
+        self.send_input("windowsize", window, *self._pixels(width, height),
+                      "windowmove", window, *self._pixels(left, top))
 
     def close_window(self, node):
         """Closes a window by the button in its title bar."""
@@ -220,7 +226,8 @@ class Desktop:
                 self.environment[name] = os.environ[name]
 
     def _start_display(self):
-        server = self.start(["Xvfb", "-displayfd", "1", "-screen", "0", SCREEN, "-nolisten", "tcp",
+        width, height = self._pixels(*SCREEN)
+        server = self.start(["Xvfb", "-displayfd", "1", "-screen", "0", f"{width}x{height}x24", "-nolisten", "tcp",
                              "-noreset"])
         server.wait_for_output("\n")
         number = [line for line in server.output().splitlines() if line.strip().isdigit()][-1]

@@ -14,11 +14,11 @@ class Device:
     """The device server of this repository, serving a folder."""
 
     def __init__(self, desktop, root, name="Test device", address="127.0.0.1", rights="cd-", version="1.10",
-                 announce=(), host=None):
+                 announce=(), host=None, port=DEVICE_PORT):
         """`announce` holds the options by which it announces itself; `host` is the machine of a Lan it is on."""
         self._desktop = desktop
         self._host = host
-        self._argv = [desktop.programs / "quillbox-device", "--root", root, "--port", DEVICE_PORT,
+        self._argv = [desktop.programs / "quillbox-device", "--root", root, "--port", port,
                       "--address", address, "--name", name, "--rights", rights, "--protocol-version", version,
                       *announce]
         self._process = None
