@@ -313,6 +313,10 @@
         <source>&amp;About Quillbox</source>
         <translation>À &amp;propos de Quillbox</translation>
     </message>
+    <message>
+        <source>Copy &amp;Diagnostics</source>
+        <translation>Copier les &amp;diagnostics</translation>
+    </message>
 </context>
 <context>
     <name>ProgressView</name>
@@ -772,6 +776,14 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
         <source> file</source>
         <extracomment>The type of a file without an extension; only the English one begins with a blank.</extracomment>
         <translation>Fichier</translation>
+    </message>
+    <message>
+        <source>Diagnostics copied</source>
+        <translation>Diagnostics copiés</translation>
+    </message>
+    <message>
+        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files may appear.</source>
+        <translation>Collez-les là où vous demandez de l’aide. Ils indiquent les versions et le système que vous utilisez, et contiennent les dernières lignes du journal, où peuvent figurer des noms d’appareils et de fichiers.</translation>
     </message>
 </context>
 <context>

@@ -87,6 +87,10 @@ cSndfileStream::cSndfileStream() : mpHandle(std::make_unique<sHandle>()) {}
 
 cSndfileStream::~cSndfileStream() = default;
 
+std::string cSndfileStream::LibraryVersion() {
+    return sf_version_string();
+}
+
 bool cSndfileStream::OpenRead(std::FILE* zpFile, std::function<bool()> zMayGoOn) {
     return mpHandle->Open({zpFile, std::move(zMayGoOn)}, SFM_READ);
 }
