@@ -1,6 +1,7 @@
 #include "CommonUtils.h"
 
 #include "CommonUtils_OSX.h"
+#include "RecentLines.h"
 
 #include <algorithm>
 #include <array>
@@ -114,6 +115,7 @@ void DebugPrint(const std::string& zText) {
     static_cast<void>(std::fprintf(stdout, "%s", zText.c_str()));
     // Standard output may be a pipe, in which a diagnostic should not wait for company.
     static_cast<void>(std::fflush(stdout));
+    RecentLog().Add(zText.c_str()); // as far as it has been written
 }
 
 std::string OneLogLine(std::string zText, std::size_t zLongest) {

@@ -32,7 +32,7 @@ std::string ExpandTemplate(const std::string& zTemplate);
 /// Writes a formatted diagnostic text to standard output, at most 1023 bytes of it. Main thread only.
 void DebugPrintf(const char* zFormat, ...) __attribute__((format(printf, 1, 2)));
 
-/// Writes one text to standard output as it stands.
+/// Writes one text to standard output as it stands, up to a zero byte; RecentLog keeps what was written last.
 void DebugPrint(const std::string& zText);
 
 /// A text from outside, fit for one log line: at most zLongest bytes of it, with "?" for control characters

@@ -39,16 +39,16 @@ QPushButton* AddButton(QMessageBox& zrBox, const char* zText, QMessageBox::Butto
     return zrBox.addButton(ToWidgetText(Translated(zText)), zRole);
 }
 
-void ShowIcon(QMessageBox& zrBox, const char* zName) {
+void ShowIcon(QMessageBox& zrBox, const QIcon& zIcon) {
     const int side = zrBox.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &zrBox);
-    zrBox.setIconPixmap(ThemeIcon(zName).pixmap(QSize(side, side), zrBox.devicePixelRatioF()));
+    zrBox.setIconPixmap(zIcon.pixmap(QSize(side, side), zrBox.devicePixelRatioF()));
 }
 
 /// Adds the icon and the buttons of a kind and returns the first button.
 QPushButton* AddButtons(QMessageBox& zrBox, int zKind) {
     for (const sAlertKind& row : kAlertKinds) {
         if (row.kind == zKind) {
-            ShowIcon(zrBox, row.icon);
+            ShowIcon(zrBox, ThemeIcon(row.icon));
             QPushButton* first = AddButton(zrBox, row.first, QMessageBox::AcceptRole);
             if (row.second != nullptr) {
                 zrBox.setEscapeButton(AddButton(zrBox, row.second, QMessageBox::RejectRole));
@@ -97,6 +97,16 @@ void DescribeButtons(const QMessageBox& zrBox) {
     }
 }
 
+void ShowWithIcon(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage,
+                  const QIcon& zIcon) {
+    QMessageBox box(zpParent);
+    SetTexts(box, zTitle, zMessage);
+    box.setDefaultButton(AddButtons(box, AlertOk));
+    ShowIcon(box, zIcon);
+    DescribeButtons(box);
+    ModalSession::RunModal(box);
+}
+
 } // namespace
 
 int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage, int zKind) {
@@ -109,11 +119,10 @@ int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& z
     return box.clickedButton() == first ? 1 : 0;
 }
 
+void ShowNote(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage) {
+    ShowWithIcon(zpParent, zTitle, zMessage, ThemeIcon("dialog-information"));
+}
+
 void ShowAbout(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage) {
-    QMessageBox box(zpParent);
-    SetTexts(box, zTitle, zMessage);
-    box.setDefaultButton(AddButtons(box, AlertOk));
-    ShowIcon(box, "quillbox");
-    DescribeButtons(box);
-    ModalSession::RunModal(box);
+    ShowWithIcon(zpParent, zTitle, zMessage, ThemeIcon("quillbox"));
 }

@@ -12,5 +12,8 @@ enum { AlertOk = 0, AlertYesNo = 1, AlertOkCancel = 2 };
 /// and for quitting.
 int ShowAlert(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage, int zKind);
 
+/// Shows in the same way, with "OK", that something has been done.
+void ShowNote(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage);
+
 /// Shows in the same way, with the program's icon and "OK", what the program says of itself.
 void ShowAbout(QWidget* zpParent, const std::string& zTitle, const std::string& zMessage);

@@ -66,6 +66,7 @@ public:
 
     void OnAbout();
     void OnUserGuide();
+    void OnCopyDiagnostics();
 
     /// The one door through which people's actions come in: does nothing while another action, a prompt or
     /// the progress window runs, whichever way the action came, and returns false then.

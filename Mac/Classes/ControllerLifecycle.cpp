@@ -2,11 +2,15 @@
 
 #include "Alert.h"
 #include "DeviceTableView.h"
+#include "Diagnostics.h"
+#include "RecentLines.h"
 #include "Settings.h"
 #include "UserGuide.h"
 #include "WidgetText.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtGui/QClipboard>
+#include <QtGui/QGuiApplication>
 #include <QtWidgets/QHeaderView>
 
 namespace {
@@ -83,6 +87,15 @@ void Controller::OnAbout() {
 
 void Controller::OnUserGuide() {
     OpenUserGuide();
+}
+
+void Controller::OnCopyDiagnostics() {
+    const std::string text = DiagnosticsText(RecentLog().Lines());
+    QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+    ShowNote(
+        &mrWindow, "Diagnostics copied",
+        Translated("Paste them where you ask for help. They say which versions and which system you use, and "
+                   "hold the last lines of the log, in which names of devices and files may appear."));
 }
 
 void Controller::ShowMessage(const std::string& zTitle, const std::string& zMessage) {

@@ -75,6 +75,7 @@ void MainWindow::SetUpIcons() {
     mpUi->quitAction->setIcon(ThemeIcon("application-exit"));
     mpUi->refreshAction->setIcon(ThemeIcon("view-refresh"));
     mpUi->userGuideAction->setIcon(ThemeIcon("help-contents"));
+    mpUi->copyDiagnosticsAction->setIcon(ThemeIcon("edit-copy"));
     mpUi->aboutAction->setIcon(ThemeIcon("quillbox"));
 }
 
@@ -159,6 +160,8 @@ void MainWindow::ConnectMenu() {
             [this] { mpController->Perform(&Controller::OnRefresh); });
     connect(mpUi->userGuideAction, &QAction::triggered, mpWiring.get(),
             [this] { mpController->Perform(&Controller::OnUserGuide); });
+    connect(mpUi->copyDiagnosticsAction, &QAction::triggered, mpWiring.get(),
+            [this] { mpController->Perform(&Controller::OnCopyDiagnostics); });
     connect(mpUi->aboutAction, &QAction::triggered, mpWiring.get(),
             [this] { mpController->Perform(&Controller::OnAbout); });
     connect(mpUi->quitAction, &QAction::triggered, mpWiring.get(),

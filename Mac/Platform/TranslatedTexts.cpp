@@ -35,6 +35,11 @@ namespace {
     QT_TRANSLATE_NOOP("Quillbox", "Waiting for operation to finish"),
     QT_TRANSLATE_NOOP("Quillbox", "Reading Folder Contents"),
     QT_TRANSLATE_NOOP("Quillbox", "Browses your device on the network and copies files to this computer."),
+    QT_TRANSLATE_NOOP("Quillbox", "Diagnostics copied"),
+    QT_TRANSLATE_NOOP(
+        "Quillbox",
+        "Paste them where you ask for help. They say which versions and which system you use, and "
+        "hold the last lines of the log, in which names of devices and files may appear."),
 
     // The selection of a device
     QT_TRANSLATE_NOOP("Quillbox",

@@ -342,6 +342,8 @@
         <translation>Ü&amp;ber Quillbox</translation>
     </message>
     <message>
+        <source>Copy &amp;Diagnostics</source>
+        <translation>&amp;Diagnosedaten kopieren</translation>
         <source>Finds devices and connects to one</source>
         <translation>Sucht Geräte und verbindet mit einem davon</translation>
     </message>
@@ -842,6 +844,12 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
         <translation>Datei</translation>
     </message>
     <message>
+        <source>Diagnostics copied</source>
+        <translation>Diagnosedaten kopiert</translation>
+    </message>
+    <message>
+        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files may appear.</source>
+        <translation>Fügen Sie sie dort ein, wo Sie um Hilfe bitten. Sie nennen die Versionen und das System, die Sie verwenden, und enthalten die letzten Zeilen des Protokolls, in denen Namen von Geräten und Dateien vorkommen können.</translation>
         <source>Finds devices and connects to one</source>
         <translation>Sucht Geräte und verbindet mit einem davon</translation>
     </message>

@@ -342,6 +342,8 @@
         <translation>À &amp;propos de Quillbox</translation>
     </message>
     <message>
+        <source>Copy &amp;Diagnostics</source>
+        <translation>Copier les &amp;diagnostics</translation>
         <source>Finds devices and connects to one</source>
         <translation>Cherche des appareils et se connecte à l’un d’eux</translation>
     </message>
@@ -842,6 +844,12 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
         <translation>Fichier</translation>
     </message>
     <message>
+        <source>Diagnostics copied</source>
+        <translation>Diagnostics copiés</translation>
+    </message>
+    <message>
+        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files may appear.</source>
+        <translation>Collez-les là où vous demandez de l’aide. Ils indiquent les versions et le système que vous utilisez, et contiennent les dernières lignes du journal, où peuvent figurer des noms d’appareils et de fichiers.</translation>
         <source>Finds devices and connects to one</source>
         <translation>Cherche des appareils et se connecte à l’un d’eux</translation>
     </message>

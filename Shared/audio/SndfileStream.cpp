@@ -70,6 +70,10 @@ cSndfileStream::cSndfileStream() : mpHandle(std::make_unique<sHandle>()) {}
 
 cSndfileStream::~cSndfileStream() = default;
 
+std::string cSndfileStream::LibraryVersion() {
+    return sf_version_string();
+}
+
 bool cSndfileStream::OpenRead(std::FILE* zpFile, const std::function<bool()>& zMayGoOn) {
     const auto open = [&] { return mpHandle->Open(zpFile, SFM_READ); };
     if (!SucceedsInTrial(open, zMayGoOn)) {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <string>
 
 /// A sound file that libsndfile decodes from, or encodes into, a C stream. The stream stays the caller's and
 /// must outlive this object.
@@ -17,6 +18,9 @@ public:
 
     cSndfileStream(const cSndfileStream&) = delete;
     cSndfileStream& operator=(const cSndfileStream&) = delete;
+
+    /// The version of libsndfile that the program runs with, in its own words ("libsndfile-1.2.0").
+    static std::string LibraryVersion();
 
     /// Opens a sound file of any format that libsndfile reads, from its start. False when it is none, or when
     /// zMayGoOn, asked now and then meanwhile, answers false. The header is read in a trial process first,

@@ -6,6 +6,7 @@
 #include "WidgetText.h"
 #include "WindowFixture.h"
 
+#include <QtGui/QClipboard>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QRadioButton>
@@ -17,6 +18,7 @@
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 /// There before the windows of the fixture, as in the program.
@@ -139,6 +141,17 @@ TEST_F(InGerman, AnAlertHasGermanButtons) {
         Click<QPushButton>(zrAlert, "Abbrechen");
     });
     EXPECT_EQ(ShowAlert(&mWindow, "Delete files", "Do you want to replace it?", AlertOkCancel), 0);
+}
+
+TEST_F(InGerman, TheNoteAboutDiagnosticsIsGermanAndTheyAreNot) {
+    Meanwhile meanwhile;
+    meanwhile.WhenShown("Diagnosedaten kopiert", [](QWidget& zrNote) {
+        EXPECT_THAT(dynamic_cast<QMessageBox&>(zrNote).informativeText().toStdString(),
+                    StartsWith("Fügen Sie sie dort ein, wo Sie um Hilfe bitten."));
+        Click<QPushButton>(zrNote, "OK");
+    });
+    MenuEntry("Diagnosedaten kopieren").trigger();
+    EXPECT_THAT(QApplication::clipboard()->text().toStdString(), HasSubstr("The last lines of the log:"));
 }
 
 // --- Texts ---

@@ -44,7 +44,7 @@ class IconsTest(unittest.TestCase):
     def test_every_drawing_is_built_in(self):
         built = (REPOSITORY / "Mac/Platform/CMakeLists.txt").read_text(encoding="utf-8")
         self.assertEqual(sorted(re.findall(r"(\S+)\.svg\b(?! PROP)", built.replace("icons/", "").replace(
-            "${PROJECT_SOURCE_DIR}/Packaging/", "").split("qt_add_resources")[1])), sorted(drawings()))
+            "${PROJECT_SOURCE_DIR}/Packaging/", "").split("qt_add_resources")[-1])), sorted(drawings()))
 
 
 if __name__ == "__main__":

@@ -23,8 +23,9 @@ ERRORS = REPOSITORY / "Mac/AsyncSocketErrors.cpp"
 LANGUAGES = ("de", "fr")
 
 # Calls whose texts are for the log and for programmers.
-NOT_FOR_PEOPLE = {"DebugPrint", "DebugPrintf", "LogSkipped", "LogFailure", "Require", "static_assert", "Q_CLASSINFO",
-                  "AsyncSocketException", "AsyncUdpSocketException", "QT_TRANSLATE_NOOP", "QT_TRANSLATE_NOOP3"}
+NOT_FOR_PEOPLE = {"AddFact", "AddLine", "DebugPrint", "DebugPrintf", "LogSkipped", "LogFailure", "Require",
+                  "static_assert", "Q_CLASSINFO", "AsyncSocketException", "AsyncUdpSocketException",
+                  "QT_TRANSLATE_NOOP", "QT_TRANSLATE_NOOP3"}
 # Readers of sounds: AudioConversion has words of its own for their refusals.
 SILENT_READERS = {"AiffHeader.cpp", "InfoTags.cpp", "ReadAIFF.cpp", "ReadAIFFSamples.cpp", "WaveFile.cpp",
                   "WaveFileSamples.cpp"}
