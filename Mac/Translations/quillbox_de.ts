@@ -773,6 +773,48 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
         <extracomment>The type of a file without an extension; only the English one begins with a blank.</extracomment>
         <translation>Datei</translation>
     </message>
+    <message numerus="yes">
+        <source>about %n seconds left</source>
+        <translation>
+            <numerusform>noch etwa %n Sekunde</numerusform>
+            <numerusform>noch etwa %n Sekunden</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n minutes left</source>
+        <translation>
+            <numerusform>noch etwa %n Minute</numerusform>
+            <numerusform>noch etwa %n Minuten</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n hours left</source>
+        <translation>
+            <numerusform>noch etwa %n Stunde</numerusform>
+            <numerusform>noch etwa %n Stunden</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1/s</source>
+        <extracomment>A rate: so much in a second.</extracomment>
+        <translation>%1/s</translation>
+    </message>
+    <message>
+        <source>a few seconds left</source>
+        <translation>noch wenige Sekunden</translation>
+    </message>
+    <message>
+        <source>about a minute left</source>
+        <translation>noch etwa eine Minute</translation>
+    </message>
+    <message>
+        <source>about an hour left</source>
+        <translation>noch etwa eine Stunde</translation>
+    </message>
+    <message>
+        <source>more than a day left</source>
+        <translation>noch mehr als ein Tag</translation>
+    </message>
 </context>
 <context>
     <name>SelectView</name>

@@ -773,6 +773,48 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
         <extracomment>The type of a file without an extension; only the English one begins with a blank.</extracomment>
         <translation>Fichier</translation>
     </message>
+    <message numerus="yes">
+        <source>about %n seconds left</source>
+        <translation>
+            <numerusform>encore environ %n seconde</numerusform>
+            <numerusform>encore environ %n secondes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n minutes left</source>
+        <translation>
+            <numerusform>encore environ %n minute</numerusform>
+            <numerusform>encore environ %n minutes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n hours left</source>
+        <translation>
+            <numerusform>encore environ %n heure</numerusform>
+            <numerusform>encore environ %n heures</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1/s</source>
+        <extracomment>A rate: so much in a second.</extracomment>
+        <translation>%1/s</translation>
+    </message>
+    <message>
+        <source>a few seconds left</source>
+        <translation>encore quelques secondes</translation>
+    </message>
+    <message>
+        <source>about a minute left</source>
+        <translation>encore environ une minute</translation>
+    </message>
+    <message>
+        <source>about an hour left</source>
+        <translation>encore environ une heure</translation>
+    </message>
+    <message>
+        <source>more than a day left</source>
+        <translation>encore plus d’un jour</translation>
+    </message>
 </context>
 <context>
     <name>SelectView</name>
