@@ -7,6 +7,8 @@
 #include "WidgetText.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QTimer>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QHeaderView>
 
 namespace {
@@ -35,6 +37,7 @@ void Controller::applicationDidFinishLaunching() {
     mSuperUser = false;
     GetSettings();
     progressDlg = std::make_unique<ProgressController>(&mrWindow);
+    mpAttention = std::make_unique<Attention>([this] { CallBack(); });
     mpSocket = std::make_unique<cSocketClientProtocol>(*this);
     mpAdmission = std::make_unique<cReceiveAdmission>(*mpSocket);
     mrWindow.Attach(*this);
@@ -44,6 +47,12 @@ void Controller::applicationDidFinishLaunching() {
     EnsureListening();
     UpdateControls();
     SetStatusText("Press the 'Connect' button to begin");
+}
+
+void Controller::CallBack() {
+    QApplication::alert(&mrWindow);
+    // The toolkit sends that to the desktop with whatever comes next, which may be nothing for long.
+    QTimer::singleShot(0, &mrWindow, [] {});
 }
 
 bool Controller::applicationShouldTerminate() {
