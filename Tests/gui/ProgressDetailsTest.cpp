@@ -136,6 +136,7 @@ TEST_F(ProgressDetailsLine, IsInThePersonsLanguage) {
 }
 
 TEST_F(ProgressDetailsLine, IsHiddenWhereTheWholeIsUnknownOrWrong) {
+    EXPECT_EQ(Show(0, 0), "");
     EXPECT_EQ(ShowAfter(5, kMiB, 0), "");
     EXPECT_EQ(Show(6 * kMiB, 5 * kMiB), "");
     EXPECT_THAT(ShowAfter(5, kMiB, 100 * kMiB), EndsWith(" left"));
