@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AsyncSocket.h"
+#include "Attention.h"
 #include "ClientProtocol.h"
 #include "Discover.h"
 #include "FileInfoValue.h"
@@ -207,6 +208,7 @@ private:
     Controller(MainWindow& zrWindow, OpenPanel& zrPanel, const sMainWindowControls& zControls);
     void ShowMessage(const std::string& zTitle, const std::string& zMessage);
     void CentreOverWindow(QWidget& zrDialog) const;
+    void CallBack();
 
     // Session
     const std::vector<HostRecord>& GetDeviceList() const override;
@@ -328,6 +330,7 @@ private:
     /// Whether the client's failure text is news; false once it has ended a connection attempt.
     bool mClientFailureCounts = false;
     QElapsedTimer mSinceWindowLived;
+    std::unique_ptr<Attention> mpAttention;
     bool mPerforming = false;
     bool mTerminating = false;
 };

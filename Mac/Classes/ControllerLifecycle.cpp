@@ -9,8 +9,9 @@
 #include "WidgetText.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QTimer>
 #include <QtGui/QClipboard>
-#include <QtGui/QGuiApplication>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QHeaderView>
 
 namespace {
@@ -39,6 +40,7 @@ void Controller::applicationDidFinishLaunching() {
     mSuperUser = false;
     GetSettings();
     progressDlg = std::make_unique<ProgressController>(&mrWindow);
+    mpAttention = std::make_unique<Attention>([this] { CallBack(); });
     mpSocket = std::make_unique<cSocketClientProtocol>(*this);
     mpAdmission = std::make_unique<cReceiveAdmission>(*mpSocket);
     mrWindow.Attach(*this);
@@ -48,6 +50,12 @@ void Controller::applicationDidFinishLaunching() {
     EnsureListening();
     UpdateControls();
     SetStatusText("Press the 'Connect' button to begin");
+}
+
+void Controller::CallBack() {
+    QApplication::alert(&mrWindow);
+    // The toolkit sends that to the desktop with whatever comes next, which may be nothing for long.
+    QTimer::singleShot(0, &mrWindow, [] {});
 }
 
 bool Controller::applicationShouldTerminate() {

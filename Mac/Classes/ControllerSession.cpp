@@ -198,6 +198,7 @@ std::string Controller::ErrorText(const SocketError& zError) {
 }
 
 std::unique_ptr<ModalSession> Controller::InitProgressDialogue(const std::string& zTitle) {
+    mpAttention->Begin();
     auto session = std::make_unique<ModalSession>(*progressDlg, kProgressDelay);
     progressDlg->Init(zTitle);
     CentreOverWindow(*progressDlg);
@@ -214,6 +215,7 @@ void Controller::CloseProgress(ModalSession& zrSession) {
     zrSession.End();
     progressDlg->ShowNow();
     progressDlg->close();
+    mpAttention->End();
 }
 
 // --- Waiting for the client ---

@@ -1,11 +1,9 @@
 #include "ProgressController.h"
 
 #include "ModalSession.h"
+#include "ProgressDetails.h"
 #include "WidgetText.h"
 #include "ui_ProgressView.h"
-
-#include <QtCore/QCoreApplication>
-#include <QtCore/QLocale>
 
 #include <algorithm>
 #include <cmath>
@@ -13,7 +11,8 @@
 namespace {
 
 constexpr int kBarSteps = 1000;
-constexpr int kBetweenChanges = 40; // milliseconds
+constexpr int kBetweenChanges = 40;                     // milliseconds
+constexpr std::chrono::milliseconds kBetweenLooks{500}; ///< at an amount that stays the same
 
 /// The accessible name of these labels is their role, so the words go into the description.
 void ShowWords(QLabel& zrLabel, const std::string& zText) {
@@ -24,14 +23,11 @@ void ShowWords(QLabel& zrLabel, const std::string& zText) {
     }
 }
 
-std::string AmountText(std::uint64_t zDone, std::uint64_t zTotal) {
-    if (zTotal == 0 || zDone > zTotal) {
-        return {};
-    }
-    const QLocale locale;
-    return FromWidgetText(QCoreApplication::translate("Quillbox", "%1 of %2")
-                              .arg(locale.formattedDataSize(static_cast<qint64>(zDone), 1),
-                                   locale.formattedDataSize(static_cast<qint64>(zTotal), 1)));
+/// A line that comes and goes must not move the others, nor change the window's size.
+void KeepRoom(QWidget& zrWidget) {
+    QSizePolicy policy = zrWidget.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    zrWidget.setSizePolicy(policy);
 }
 
 } // namespace
@@ -42,6 +38,7 @@ ProgressController::ProgressController(QWidget* zpParent)
     label = mpUi->label;
     progress = mpUi->progress;
     cancel = mpUi->cancel;
+    KeepRoom(*mpUi->details);
     OnPress(*cancel, [this] { cancelDlg(); });
     mShowTimer.setSingleShot(true);
     connect(&mShowTimer, &QTimer::timeout, this, [this] { ShowNow(); });
@@ -55,11 +52,20 @@ void ProgressController::Init(const std::string& zTitle) {
     cancel->setEnabled(true);
     cancel->setFocus();
     canceled = false;
+    MakeRoom();
     setWindowTitle(ToWidgetText(zTitle));
     SetProgress("", 0.0F);
     SetAmount(0, 0);
+    mEstimate.Restart();
     ShowNow();
     mSinceShown.invalidate();
+}
+
+/// Details are never to be cut, whatever the font: of a name the ends will do, of these they will not.
+void ProgressController::MakeRoom() {
+    const QString longest = ToWidgetText(LongestProgressDetails());
+    mpUi->details->setMinimumWidth(fontMetrics().horizontalAdvance(longest));
+    resize(size().expandedTo(minimumSizeHint()));
 }
 
 void ProgressController::SetProgress(const std::string& zText, float zPosition) {
@@ -72,7 +78,8 @@ void ProgressController::SetProgress(const std::string& zText, float zPosition) 
 }
 
 void ProgressController::SetAmount(std::uint64_t zDone, std::uint64_t zTotal) {
-    if (mDone != zDone || mTotal != zTotal) {
+    const bool changed = mDone != zDone || mTotal != zTotal;
+    if (changed || (zTotal != 0 && mClock() - mShownAt >= kBetweenLooks)) { // the rate falls
         mDone = zDone;
         mTotal = zTotal;
         ShowSoon();
@@ -91,11 +98,13 @@ void ProgressController::ShowSoon() {
 void ProgressController::ShowNow() {
     mShowTimer.stop();
     mSinceShown.start();
+    mShownAt = mClock();
+    mEstimate.Note(mShownAt, mDone, mTotal);
     progress->setValue(static_cast<int>(std::lround(mPosition * static_cast<float>(kBarSteps))));
     ShowWords(*label, mText);
-    const std::string amount = AmountText(mDone, mTotal);
-    ShowWords(*mpUi->details, amount);
-    mpUi->details->setVisible(!amount.empty());
+    const std::string details = ProgressDetails(mDone, mTotal, mEstimate);
+    ShowWords(*mpUi->details, details);
+    mpUi->details->setVisible(!details.empty());
 }
 
 void ProgressController::cancelDlg() {

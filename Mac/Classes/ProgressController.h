@@ -1,6 +1,8 @@
 #pragma once
 
 #include "ModalDialog.h"
+#include "ProgressEstimate.h"
+#include "SteadyClock.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>
@@ -8,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 class QLabel;
 class QProgressBar;
@@ -32,8 +35,9 @@ public:
     /// what is not a number.
     void SetProgress(const std::string& zText, float zPosition);
 
-    /// Shows how many bytes of the whole are done; nothing where the whole is unknown (0), or turns out to be
-    /// more than was said.
+    /// Shows how many bytes of the whole are done, how fast it goes and how long it will take; nothing where
+    /// the whole is unknown (0), or turns out to be more than was said. To be told now and then while nothing
+    /// moves, too.
     void SetAmount(std::uint64_t zDone, std::uint64_t zTotal);
 
     /// Shows the latest at once. For the steps of an operation that has few, and before the window closes.
@@ -42,6 +46,9 @@ public:
     /// Whether the user has cancelled since Init.
     bool GetCancelled() const { return canceled; }
 
+    /// Another clock to work out rates with, for tests.
+    void UseClock(tClock zClock) { mClock = std::move(zClock); }
+
     /// The Cancel button's action. Asks for the end of the running session.
     void cancelDlg();
 
@@ -49,6 +56,7 @@ protected:
     void Dismiss() override { cancelDlg(); }
 
 private:
+    void MakeRoom();
     void ShowSoon();
 
     QLabel* label = nullptr;
@@ -59,6 +67,9 @@ private:
     float mPosition = 0.0F;
     std::uint64_t mDone = 0;
     std::uint64_t mTotal = 0;
+    tClock mClock = SteadyTime;
+    std::chrono::milliseconds mShownAt{};
+    cProgressEstimate mEstimate;
     QElapsedTimer mSinceShown;
     QTimer mShowTimer; ///< runs while the window does not show the latest yet
     std::unique_ptr<Ui::ProgressView> mpUi;

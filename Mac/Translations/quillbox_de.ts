@@ -342,8 +342,6 @@
         <translation>Ü&amp;ber Quillbox</translation>
     </message>
     <message>
-        <source>Copy &amp;Diagnostics</source>
-        <translation>&amp;Diagnosedaten kopieren</translation>
         <source>Finds devices and connects to one</source>
         <translation>Sucht Geräte und verbindet mit einem davon</translation>
     </message>
@@ -374,6 +372,10 @@
     <message>
         <source>&amp;Open</source>
         <translation>Ö&amp;ffnen</translation>
+    </message>
+    <message>
+        <source>Copy &amp;Diagnostics</source>
+        <translation>&amp;Diagnosedaten kopieren</translation>
     </message>
 </context>
 <context>
@@ -844,12 +846,6 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
         <translation>Datei</translation>
     </message>
     <message>
-        <source>Diagnostics copied</source>
-        <translation>Diagnosedaten kopiert</translation>
-    </message>
-    <message>
-        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files may appear.</source>
-        <translation>Fügen Sie sie dort ein, wo Sie um Hilfe bitten. Sie nennen die Versionen und das System, die Sie verwenden, und enthalten die letzten Zeilen des Protokolls, in denen Namen von Geräten und Dateien vorkommen können.</translation>
         <source>Finds devices and connects to one</source>
         <translation>Sucht Geräte und verbindet mit einem davon</translation>
     </message>
@@ -860,6 +856,56 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     <message>
         <source>What the folder of the device holds</source>
         <translation>Was der Ordner auf dem Gerät enthält</translation>
+    </message>
+    <message>
+        <source>Diagnostics copied</source>
+        <translation>Diagnosedaten kopiert</translation>
+    </message>
+    <message>
+        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files may appear.</source>
+        <translation>Fügen Sie sie dort ein, wo Sie um Hilfe bitten. Sie nennen die Versionen und das System, die Sie verwenden, und enthalten die letzten Zeilen des Protokolls, in denen Namen von Geräten und Dateien vorkommen können.</translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n seconds left</source>
+        <translation>
+            <numerusform>noch etwa %n Sekunde</numerusform>
+            <numerusform>noch etwa %n Sekunden</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n minutes left</source>
+        <translation>
+            <numerusform>noch etwa %n Minute</numerusform>
+            <numerusform>noch etwa %n Minuten</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n hours left</source>
+        <translation>
+            <numerusform>noch etwa %n Stunde</numerusform>
+            <numerusform>noch etwa %n Stunden</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1/s</source>
+        <extracomment>A rate: so much in a second.</extracomment>
+        <translation>%1/s</translation>
+    </message>
+    <message>
+        <source>a few seconds left</source>
+        <translation>noch wenige Sekunden</translation>
+    </message>
+    <message>
+        <source>about a minute left</source>
+        <translation>noch etwa eine Minute</translation>
+    </message>
+    <message>
+        <source>about an hour left</source>
+        <translation>noch etwa eine Stunde</translation>
+    </message>
+    <message>
+        <source>more than a day left</source>
+        <translation>noch mehr als ein Tag</translation>
     </message>
 </context>
 <context>

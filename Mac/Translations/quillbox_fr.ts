@@ -342,8 +342,6 @@
         <translation>À &amp;propos de Quillbox</translation>
     </message>
     <message>
-        <source>Copy &amp;Diagnostics</source>
-        <translation>Copier les &amp;diagnostics</translation>
         <source>Finds devices and connects to one</source>
         <translation>Cherche des appareils et se connecte à l’un d’eux</translation>
     </message>
@@ -374,6 +372,10 @@
     <message>
         <source>&amp;Open</source>
         <translation>&amp;Ouvrir</translation>
+    </message>
+    <message>
+        <source>Copy &amp;Diagnostics</source>
+        <translation>Copier les &amp;diagnostics</translation>
     </message>
 </context>
 <context>
@@ -844,12 +846,6 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
         <translation>Fichier</translation>
     </message>
     <message>
-        <source>Diagnostics copied</source>
-        <translation>Diagnostics copiés</translation>
-    </message>
-    <message>
-        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files may appear.</source>
-        <translation>Collez-les là où vous demandez de l’aide. Ils indiquent les versions et le système que vous utilisez, et contiennent les dernières lignes du journal, où peuvent figurer des noms d’appareils et de fichiers.</translation>
         <source>Finds devices and connects to one</source>
         <translation>Cherche des appareils et se connecte à l’un d’eux</translation>
     </message>
@@ -860,6 +856,56 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
     <message>
         <source>What the folder of the device holds</source>
         <translation>Ce que contient le dossier de l’appareil</translation>
+    </message>
+    <message>
+        <source>Diagnostics copied</source>
+        <translation>Diagnostics copiés</translation>
+    </message>
+    <message>
+        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files may appear.</source>
+        <translation>Collez-les là où vous demandez de l’aide. Ils indiquent les versions et le système que vous utilisez, et contiennent les dernières lignes du journal, où peuvent figurer des noms d’appareils et de fichiers.</translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n seconds left</source>
+        <translation>
+            <numerusform>encore environ %n seconde</numerusform>
+            <numerusform>encore environ %n secondes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n minutes left</source>
+        <translation>
+            <numerusform>encore environ %n minute</numerusform>
+            <numerusform>encore environ %n minutes</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>about %n hours left</source>
+        <translation>
+            <numerusform>encore environ %n heure</numerusform>
+            <numerusform>encore environ %n heures</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1/s</source>
+        <extracomment>A rate: so much in a second.</extracomment>
+        <translation>%1/s</translation>
+    </message>
+    <message>
+        <source>a few seconds left</source>
+        <translation>encore quelques secondes</translation>
+    </message>
+    <message>
+        <source>about a minute left</source>
+        <translation>encore environ une minute</translation>
+    </message>
+    <message>
+        <source>about an hour left</source>
+        <translation>encore environ une heure</translation>
+    </message>
+    <message>
+        <source>more than a day left</source>
+        <translation>encore plus d’un jour</translation>
     </message>
 </context>
 <context>

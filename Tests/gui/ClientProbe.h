@@ -2,7 +2,11 @@
 
 #include "Controller.h"
 
-/// Looks at the protocol client, of which the widgets show something only when the program looks itself.
+#include <memory>
+#include <utility>
+
+/// Looks at the protocol client, of which the widgets show something only when the program looks itself, and
+/// changes what no connection of today does.
 class ControllerProbe {
 public:
     static bool IsIdle(const Controller& zrController) {
@@ -18,6 +22,10 @@ public:
     static void AddRowWithoutRecord(Controller& zrController) {
         zrController.mTableEntries.push_back({"..", "Folder", "", std::nullopt});
         zrController.mpTableModel->Reload();
+    }
+
+    static void UseAttention(Controller& zrController, std::unique_ptr<Attention> zpAttention) {
+        zrController.mpAttention = std::move(zpAttention);
     }
 
     static float FileProgress(const Controller& zrController) { return zrController.mpSocket->GetProgress(); }

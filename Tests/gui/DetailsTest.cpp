@@ -5,10 +5,12 @@
 #include <QtCore/QLocale>
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <memory>
 
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 using Names = std::vector<std::string>;
@@ -33,6 +35,7 @@ protected:
     void SetUp() override {
         DownloadFixture::SetUp();
         QLocale::setDefault(QLocale::c());
+        ProgressWindow().UseClock([this] { return mNow; });
     }
 
     /// A folder with two files, of which the device sends one half and waits.
@@ -80,6 +83,8 @@ protected:
             .When("the program's look",
                   [since, passes = 0]() mutable { return since->hasExpired(200) && ++passes > 5; });
     }
+
+    std::chrono::milliseconds mNow{}; ///< stands still, so that no rate gets known
 };
 
 class DownloadDetailsTable : public DownloadDetails, public ::testing::WithParamInterface<sDetails> {};
@@ -112,6 +117,24 @@ INSTANTIATE_TEST_SUITE_P(
             "HugeSizes", "1.10", "4294967295", 2147483647, {"1024.0 MiB of 4.0 GiB", "3.0 GiB of 4.0 GiB"}},
         sDetails{"SizesNotListed", "1.10", "8192", 0, {"0 bytes of 8.0 KiB", "0 bytes of 8.0 KiB"}}),
     [](const auto& zInfo) { return std::string(zInfo.param.name); });
+
+TEST_F(DownloadDetails, TellThatNothingComesAnyMore) {
+    AddFolder(static_cast<long>(kFileSize));
+    Connect();
+    Meanwhile meanwhile;
+    meanwhile.When(
+        "the rate",
+        [this] {
+            mNow += std::chrono::milliseconds(50);
+            return ProgressWindow().isVisible() && Details() == "2.0 KiB of 8.0 KiB · 0 bytes/s";
+        },
+        [this] {
+            SendRest("f/0.wav");
+            AnswerTo(ScriptedDevice::DownloadCommand("f/1.wav"), ScriptedDevice::LengthPrefix(1) + "x");
+        });
+    Download({"f"});
+    EXPECT_THAT(LocalTree(), ElementsAre("f/", "f/0.wav", "f/1.wav"));
+}
 
 TEST_F(DownloadDetails, AListingAfterwardsHasNone) {
     AddFolder(static_cast<long>(kFileSize));

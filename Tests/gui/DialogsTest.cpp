@@ -18,6 +18,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <limits>
 
@@ -55,6 +56,7 @@ class Progress : public Dialogs {
 protected:
     void SetUp() override {
         Dialogs::SetUp();
+        mController.UseClock([] { return std::chrono::milliseconds(0); }); // so that no rate gets known
         mController.Init("Uploading files");
     }
 

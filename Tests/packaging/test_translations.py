@@ -39,15 +39,18 @@ NOT_SHOWN = {
     "XdndSelection",  # a name of the X protocol
 }
 
-Message = collections.namedtuple("Message", "context source words state")
+Message = collections.namedtuple("Message", "context source words state form")
 
 
 def messages(language):
+    """The texts of a catalogue; those with a number once for each form that the language has, singular first."""
     root = ElementTree.parse(CATALOGUES / f"quillbox_{language}.ts").getroot()
     for context in root.iter("context"):
         for message in context.iter("message"):
-            words = message.find("translation")
-            yield Message(context.findtext("name"), message.findtext("source"), words.text or "", words.get("type"))
+            translation = message.find("translation")
+            for form, words in enumerate(translation.findall("numerusform") or [translation]):
+                yield Message(context.findtext("name"), message.findtext("source"), words.text or "",
+                              translation.get("type"), form)
 
 
 def words_of(language):
@@ -160,6 +163,16 @@ class TranslationsTest(unittest.TestCase):
         self.assertGreater(len(found), 150)
         self.assertEqual([message for message in found if not message.words or message.state], [])
 
+    @for_each_language
+    def test_every_text_with_a_number_has_a_singular_and_a_plural(self, language):
+        forms = collections.defaultdict(list)
+        for message in messages(language):
+            if "%n" in message.source:
+                forms[message.source].append(message.words)
+        self.assertGreater(len(forms), 2)
+        for source, words in forms.items():
+            self.assertEqual(len(set(words)), 2, source)
+
     def test_every_text_of_the_code_is_known(self):
         known = sources()
         frames = {message.source for message in messages("de") if message.source.count("%s") == 1}
@@ -212,7 +225,7 @@ class TranslationsTest(unittest.TestCase):
     def test_one_text_has_the_same_words_everywhere(self, language):
         found = {}
         for message in messages(language):
-            self.assertEqual(found.setdefault(message.source, message.words), message.words)
+            self.assertEqual(found.setdefault((message.source, message.form), message.words), message.words)
 
     @for_each_language
     def test_quoted_controls_exist(self, language):
