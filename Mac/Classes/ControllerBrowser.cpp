@@ -252,6 +252,9 @@ void Controller::UpdateControls() {
         mpConnectButton->setIcon(ThemeIcon(connected ? "network-disconnect" : "network-connect"));
     }
     mpDirectoryText->setEnabled(connected);
+    if (!connected && mrWindow.focusWidget() == tableView) {
+        mpConnectButton->setFocus(); // which the keyboard goes on with
+    }
     tableView->setEnabled(connected);
     if (connected) {
         UpdateConnectedControls();

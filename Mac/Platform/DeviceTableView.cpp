@@ -66,8 +66,10 @@ void DeviceTableView::paintEvent(QPaintEvent* zpEvent) {
     if (mPlaceholder.isEmpty() || (model() != nullptr && model()->rowCount() > 0)) {
         return;
     }
+    QColor grey = palette().color(QPalette::Text); // on some dark desktops that of placeholders is dark
+    grey.setAlphaF(0.6F);
     QPainter painter(viewport());
-    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.setPen(grey);
     painter.drawText(viewport()->rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap,
                      mPlaceholder);
 }

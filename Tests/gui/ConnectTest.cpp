@@ -318,6 +318,13 @@ TEST_F(Connecting, TheKeyboardGoesOnInTheTable) {
     EXPECT_EQ(Directory(), "/Music");
 }
 
+TEST_F(Connecting, AndOnConnectWhenTheTableIsLeft) {
+    ASSERT_TRUE(ConnectTo(mDevice));
+    ASSERT_EQ(Table().window()->focusWidget(), &Table());
+    mController.DisconnectDevice();
+    EXPECT_EQ(mWindow.focusWidget(), &Button("Connect"));
+}
+
 TEST_F(Connecting, ADeviceMayHangUpWithItsWelcome) {
     mDevice.Hold();
     const std::function<void()> greetAndLeave = [&] {
