@@ -38,7 +38,7 @@ void cProgressEstimate::Note(tTime zNow, std::uint64_t zDone, std::uint64_t zTot
 
 void cProgressEstimate::Figure(std::uint64_t zDone) {
     const sSample first = mSamples.front();
-    const double moved = static_cast<double>(zDone - first.done);
+    const auto moved = static_cast<double>(zDone - first.done);
     const double bytesPerMillisecond = moved / static_cast<double>((mWorked - first.worked).count());
     // A double holds the largest number of 64 bits only as the one above it.
     constexpr double kFastest = 0x1p63;
@@ -56,7 +56,7 @@ void cProgressEstimate::Figure(std::uint64_t zDone) {
 
 void cProgressEstimate::FigureTimeLeft(double zLeft) {
     const double left = std::min(zLeft, kLongestTimeLeft);
-    const double told = static_cast<double>((mEnd - mWorked).count());
+    const auto told = static_cast<double>((mEnd - mWorked).count());
     if (std::abs(left - told) > kTolerance * left) {
         mEnd = mWorked + tTime(std::llround(left));
     }

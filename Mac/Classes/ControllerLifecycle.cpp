@@ -8,8 +8,8 @@
 #include "UserGuide.h"
 #include "WidgetText.h"
 
+#include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QCoreApplication>
-#include <QtCore/QTimer>
 #include <QtGui/QClipboard>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QHeaderView>
@@ -55,7 +55,7 @@ void Controller::applicationDidFinishLaunching() {
 void Controller::CallBack() {
     QApplication::alert(&mrWindow);
     // The toolkit sends that to the desktop with whatever comes next, which may be nothing for long.
-    QTimer::singleShot(0, &mrWindow, [] {});
+    QAbstractEventDispatcher::instance()->wakeUp();
 }
 
 bool Controller::applicationShouldTerminate() {
