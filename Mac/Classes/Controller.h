@@ -208,7 +208,7 @@ private:
     Controller(MainWindow& zrWindow, OpenPanel& zrPanel, const sMainWindowControls& zControls);
     void ShowMessage(const std::string& zTitle, const std::string& zMessage);
     void CentreOverWindow(QWidget& zrDialog) const;
-    void CallBack();
+    void AskForAttention();
 
     // Session
     const std::vector<HostRecord>& GetDeviceList() const override;

@@ -40,7 +40,7 @@ void Controller::applicationDidFinishLaunching() {
     mSuperUser = false;
     GetSettings();
     progressDlg = std::make_unique<ProgressController>(&mrWindow);
-    mpAttention = std::make_unique<Attention>([this] { CallBack(); });
+    mpAttention = std::make_unique<Attention>([this] { AskForAttention(); });
     mpSocket = std::make_unique<cSocketClientProtocol>(*this);
     mpAdmission = std::make_unique<cReceiveAdmission>(*mpSocket);
     mrWindow.Attach(*this);
@@ -52,7 +52,7 @@ void Controller::applicationDidFinishLaunching() {
     SetStatusText("Press the 'Connect' button to begin");
 }
 
-void Controller::CallBack() {
+void Controller::AskForAttention() {
     QApplication::alert(&mrWindow);
     // The toolkit sends that to the desktop with whatever comes next, which may be nothing for long.
     QAbstractEventDispatcher::instance()->wakeUp();

@@ -13,8 +13,8 @@ constexpr auto kSettling = 1s;
 
 } // namespace
 
-Attention::Attention(std::function<void()> zCall, tClock zClock)
-    : mCall(std::move(zCall)), mClock(std::move(zClock)) {
+Attention::Attention(std::function<void()> zAsk, tClock zClock)
+    : mAsk(std::move(zAsk)), mClock(std::move(zClock)) {
     mSettleTimer.setSingleShot(true);
     QObject::connect(&mSettleTimer, &QTimer::timeout, &mSettleTimer, [this] { Settle(); });
 }
@@ -35,6 +35,6 @@ void Attention::Settle() {
     const bool wasLong = mBegan && mEnded - *mBegan >= kLong;
     mBegan.reset();
     if (wasLong && QApplication::activeWindow() == nullptr) {
-        mCall();
+        mAsk();
     }
 }
