@@ -66,7 +66,9 @@ void DeviceTableView::paintEvent(QPaintEvent* zpEvent) {
     if (mPlaceholder.isEmpty() || (model() != nullptr && model()->rowCount() > 0)) {
         return;
     }
-    QColor grey = palette().color(QPalette::Text); // on some dark desktops that of placeholders is dark
+    // The table may be disabled, whose colours are too faint to be read, and on some dark desktops the colour
+    // of placeholders is dark.
+    QColor grey = palette().color(QPalette::Active, QPalette::Text);
     grey.setAlphaF(0.6F);
     QPainter painter(viewport());
     painter.setPen(grey);

@@ -1,3 +1,4 @@
+#include "Contrast.h"
 #include "WindowFixture.h"
 
 #include <gmock/gmock.h>
@@ -49,6 +50,28 @@ protected:
 TEST_F(Connecting, TheProgramStartsWithAHint) {
     ExpectDisconnected(kHint);
     EXPECT_EQ(mDevice.ConnectionCount(), 0);
+}
+
+/// The contrast of what stands out most in a picture.
+double HighestContrast(const QImage& zPicture) {
+    double highest = 0.0;
+    for (int y = 0; y < zPicture.height(); ++y) {
+        for (int x = 0; x < zPicture.width(); ++x) {
+            highest = std::max(highest, Contrast(zPicture.pixelColor(x, y), zPicture.pixelColor(0, 0)));
+        }
+    }
+    return highest;
+}
+
+TEST_F(Connecting, TheHintCanBeReadOnLightAndDarkDesktops) {
+    for (const auto& [window, text] : {std::pair("#efefef", "#000000"), std::pair("#2a2e32", "#fcfcfc")}) {
+        QPalette palette{QColor(window)};
+        palette.setColor(QPalette::Text, QColor(text));
+        palette.setColor(QPalette::Disabled, QPalette::Text, QColor("#808080"));
+        palette.setColor(QPalette::PlaceholderText, QColor("#80000000"));
+        Table().setPalette(palette);
+        EXPECT_GT(HighestContrast(Table().viewport()->grab().toImage()), 4.5) << window;
+    }
 }
 
 TEST_F(Connecting, ShowsTheRootFolderOfTheDevice) {

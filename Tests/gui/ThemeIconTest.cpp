@@ -1,5 +1,7 @@
 #include "ThemeIcon.h"
+
 #include "Alert.h"
+#include "Contrast.h"
 #include "Hermetic.h"
 #include "WindowFixture.h"
 
@@ -73,20 +75,6 @@ double CoveredPart(const QImage& zPicture) {
 
 bool IsDrawn(const QIcon& zIcon) {
     return CoveredPart(Picture(zIcon, 16)) > 0.1 && CoveredPart(Picture(zIcon, 64)) > 0.1;
-}
-
-/// Relative luminance and contrast as in the W3C's guidelines for accessible content.
-double Luminance(const QColor& zColour) {
-    const auto linear = [](double zPart) {
-        return zPart <= 0.04045 ? zPart / 12.92 : std::pow((zPart + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(zColour.redF()) + 0.7152 * linear(zColour.greenF()) +
-           0.0722 * linear(zColour.blueF());
-}
-
-double Contrast(const QColor& zOne, const QColor& zOther) {
-    const auto [darker, brighter] = std::minmax({Luminance(zOne), Luminance(zOther)});
-    return (brighter + 0.05) / (darker + 0.05);
 }
 
 /// How much of an icon, drawn on a background, stands out from it.

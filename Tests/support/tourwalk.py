@@ -25,7 +25,7 @@ DEVICE_NAME = "Sample device"
 FOLDER = "Field recordings"
 NEW_FOLDER = "Rehearsals"
 LONG_SOUND = "Evening by the lake.wav"
-LONG_SOUND_SECONDS = 60
+LONG_SOUND_SECONDS = 120
 DATE_OF_SOUND = 1715106600  # 7 May 2024, in the evening
 RATE = 2_500_000  # bytes per second: a handheld device on a wireless network
 SOUNDS_ON_DEVICE = {"Harbour.wav": "Harbour.aiff", "Evening by the lake.wav": LONG_SOUND}
@@ -237,8 +237,9 @@ class Tour:
     def _show_progress(self, title, *step):
         """Takes a picture of a transfer on its way; its rest goes as fast as it can."""
         progress = self._quillbox.window(title)
-        bar = progress.find("Progress", "progress bar")
-        wait_for(lambda: bar.value >= 350, lambda: f"a good part of '{title}', not {bar.value} of 1000")
+        details = progress.find("Details", "label")
+        wait_for(lambda: details.description.count(" · ") == 2,
+                 lambda: f"rate and time left in '{title}', not '{details.description}'")
         self._done(*step, of=progress)
         self._link.rate = None
 
