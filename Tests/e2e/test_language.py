@@ -3,6 +3,7 @@
 import unittest.mock
 
 import case
+from waiting import wait_for
 
 ENGLISH, GERMAN, FRENCH = "Connect", "Verbinden", "Connecter"
 
@@ -14,6 +15,7 @@ class LanguageTest(case.Case):
             program = self.desktop.start_program()
         window = program.window("Quillbox")
         buttons = [node.name for node in window.descendants() if node.role == "push button"]
+        wait_for(lambda: window.has_state("active"), "the window in its place")
         self.desktop.close_window(window)
         self.assertEqual(program.process.wait(), 0)
         return buttons[0]

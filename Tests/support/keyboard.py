@@ -107,6 +107,7 @@ class KeyboardUser:
         """Goes once around with a key; returns where it stops, beginning with what has the focus."""
         stops = [wait_for(lambda: self.focus(window), "a focus")]
         while len(stops) < LONGEST_WAY:
+            self.wait_for_keyboard(window)  # which a window that appears beside it may take for a moment
             self.press(key)
             if len(stops) == 1 and self.has_one_stop(window):
                 return stops

@@ -150,6 +150,7 @@ class Quillbox:
         """Makes the address fields of the selection take input and returns the first."""
         first = dialog.find("Address octet 1", "text")
         if not first.enabled:
+            wait_for(lambda: dialog.has_state("active"), lambda: f"{dialog!r} in its place")
             self.desktop.click(dialog.find("Enter IP address", "radio button"))
             wait_for(lambda: first.enabled, "address fields that take input")
         return first
