@@ -6,6 +6,8 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QHeaderView>
+#include <QtWidgets/QTreeView>
 
 namespace {
 
@@ -31,6 +33,17 @@ QString StartFolder(const std::string& zFolder) {
     return QFileInfo(folder).isDir() ? folder : QDir::homePath();
 }
 
+/// The toolkit's own sizes cut the dates, which stand in the last column. A chooser of the desktop's own has
+/// no columns here.
+void MakeRoomForDates(QFileDialog& zrDialog) {
+    constexpr int kWidth = 110; // characters
+    const int width = zrDialog.fontMetrics().averageCharWidth() * kWidth;
+    zrDialog.resize(zrDialog.sizeHint().expandedTo(QSize(width, 0)));
+    if (auto* const list = zrDialog.findChild<QTreeView*>(QStringLiteral("treeView")); list != nullptr) {
+        list->header()->setStretchLastSection(true);
+    }
+}
+
 void SetUp(QFileDialog& zrDialog, const sOpenPanelRequest& zrRequest) {
     zrDialog.setWindowTitle(ToWidgetText(zrRequest.title));
     zrDialog.setAcceptMode(QFileDialog::AcceptOpen);
@@ -41,6 +54,7 @@ void SetUp(QFileDialog& zrDialog, const sOpenPanelRequest& zrRequest) {
         zrDialog.setNameFilter(NameFilterOf(zrRequest.allowedTypes));
     }
     zrDialog.setDirectory(StartFolder(zrRequest.initialFolder));
+    MakeRoomForDates(zrDialog);
 }
 
 } // namespace

@@ -5,9 +5,11 @@
 #include "WidgetDriver.h"
 
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QTreeView>
 #include <gmock/gmock.h>
 
 #include <functional>
@@ -86,6 +88,18 @@ TEST_F(OpenPanelTest, ShowsWhatWasAskedFor) {
         EXPECT_TRUE(zrDialog.testOption(QFileDialog::ShowDirsOnly));
         EXPECT_FALSE(zrDialog.testOption(QFileDialog::ReadOnly));
         zrDialog.close();
+    });
+}
+
+TEST_F(OpenPanelTest, IsWideEnoughForItsDates) {
+    mFolder.Write("a.wav", "x");
+    Run(mFiles, [](QFileDialog& zrDialog) {
+        const auto* const list = zrDialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+        const QHeaderView& header = *list->header();
+        const int date = header.count() - 1;
+        EXPECT_GE(list->columnWidth(date), header.sectionSizeHint(date));
+        EXPECT_LE(header.length(), list->viewport()->width());
+        zrDialog.reject();
     });
 }
 
