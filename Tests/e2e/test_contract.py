@@ -3,6 +3,7 @@ a focus that people see.
 """
 
 import case
+from accessibility import VALUE
 from device import ScriptedDevice
 from keyboard import KeyboardUser
 from waiting import wait_for
@@ -81,6 +82,11 @@ class ContractTest(WindowsCase):
         quillbox.wait_for_listing("/", case.top_names(FILES))
         self.check(quillbox.main, CONNECTED)
         self.assertNotEqual(quillbox.button("Disconnect").description, connect)
+
+    def test_range_of_transparency(self):
+        slider = self.start().main.find("Transparency", "slider")
+        self.assertEqual((slider.interface_property(VALUE, "MinimumValue"), slider.value), (0.2, 1.0))
+        self.assertEqual(slider.interface_property(VALUE, "MaximumValue"), 1.0)
 
     def test_selection(self):
         self.check(self.open_selection(), SELECTION)

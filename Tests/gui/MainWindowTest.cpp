@@ -297,6 +297,22 @@ TEST_F(MainWindowTest, TheSliderSetsTheOpacityOfTheWindow) {
     EXPECT_EQ(mWindow.windowOpacity(), 1.0);
 }
 
+TEST_F(MainWindowTest, AssistiveToolsReadAndSetTheOpacityFrom02To1) {
+    QAccessibleInterface* const slider =
+        QAccessible::queryAccessibleInterface(&Control<QSlider>(mWindow, "Transparency"));
+    QAccessibleValueInterface* const value = slider->valueInterface();
+    ASSERT_NE(value, nullptr);
+    EXPECT_DOUBLE_EQ(value->minimumValue().toDouble(), 0.2);
+    EXPECT_DOUBLE_EQ(value->maximumValue().toDouble(), 1.0);
+    EXPECT_DOUBLE_EQ(value->minimumStepSize().toDouble(), 0.01);
+    EXPECT_DOUBLE_EQ(value->currentValue().toDouble(), 1.0);
+    value->setCurrentValue(0.7);
+    EXPECT_NEAR(mWindow.windowOpacity(), 0.7, 1.0 / 255.0);
+    EXPECT_DOUBLE_EQ(value->currentValue().toDouble(), 0.7);
+    value->setCurrentValue(0.0);
+    EXPECT_DOUBLE_EQ(value->currentValue().toDouble(), 0.2);
+}
+
 TEST_F(MainWindowTest, AboutNamesTheProgram) {
     QCoreApplication::setApplicationVersion(QStringLiteral("9.8.7"));
     Meanwhile meanwhile;
