@@ -33,6 +33,9 @@ inline constexpr std::int32_t kRightCreate = 1;
 inline constexpr std::int32_t kRightDelete = 2;
 inline constexpr std::int32_t kRightReadOnly = 4;
 
+/// The TCP port on which devices serve.
+inline constexpr std::int32_t kDevicePort = 10240;
+
 /// The largest file that an upload takes, in bytes.
 inline constexpr std::int32_t kMaxUploadSize = 268435455;
 

@@ -3,9 +3,9 @@
 #include "Alert.h"
 #include "DeviceTableView.h"
 #include "Diagnostics.h"
+#include "Help.h"
 #include "RecentLines.h"
 #include "Settings.h"
-#include "UserGuide.h"
 #include "WidgetText.h"
 
 #include <QtCore/QAbstractEventDispatcher>
@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr std::int32_t kDevicePort = 10240;
 constexpr int kRowHeight = 20;
 
 } // namespace
@@ -94,7 +93,7 @@ void Controller::OnAbout() {
 }
 
 void Controller::OnUserGuide() {
-    OpenUserGuide();
+    ShowUserGuide(&mrWindow);
 }
 
 void Controller::OnCopyDiagnostics() {
@@ -103,7 +102,8 @@ void Controller::OnCopyDiagnostics() {
     ShowNote(
         &mrWindow, "Diagnostics copied",
         Translated("Paste them where you ask for help. They say which versions and which system you use, and "
-                   "hold the last lines of the log, in which names of devices and files may appear."));
+                   "hold the last lines of the log, in which names of devices and files and network "
+                   "addresses may appear."));
 }
 
 void Controller::ShowMessage(const std::string& zTitle, const std::string& zMessage) {

@@ -1,12 +1,13 @@
 #include "SelectController.h"
 
 #include "Alert.h"
+#include "ClientProtocol.h"
 #include "CommonUtils.h"
 #include "DeferredCall.h"
+#include "Help.h"
 #include "ModalSession.h"
 #include "Settings.h"
 #include "ThemeIcon.h"
-#include "UserGuide.h"
 #include "WidgetText.h"
 #include "ui_SelectView.h"
 
@@ -23,7 +24,6 @@
 
 namespace {
 
-constexpr int kDevicePort = 10240;
 constexpr int kRunning = 0;
 constexpr int kAccepted = 1;
 constexpr int kCancelled = 2;
@@ -197,8 +197,10 @@ void SelectController::OnRefreshButton() {
 
 void SelectController::ReloadList(int zSelectedRow) {
     tableView->clear();
+    const QStringList names = ShownNames();
     for (int row = 0; row < numberOfRowsInTableView(); ++row) {
-        AddRow(row);
+        const QString address = ToWidgetText(mListEntries[static_cast<std::size_t>(row)].address);
+        AddRow(names[row], names.count(names[row]) == 1, address);
     }
     if (zSelectedRow < numberOfRowsInTableView()) {
         tableView->setCurrentRow(zSelectedRow, QItemSelectionModel::ClearAndSelect);
@@ -206,13 +208,21 @@ void SelectController::ReloadList(int zSelectedRow) {
     ShowNews();
 }
 
-/// The address tells apart devices of the same name.
-void SelectController::AddRow(int zRow) {
-    const QString address = ToWidgetText(mListEntries[static_cast<std::size_t>(zRow)].address);
-    const std::string name = tableViewObjectValueForTableColumn("", zRow).value_or("");
-    auto item = std::make_unique<QListWidgetItem>(ToWidgetText(Abbreviated(name)));
-    item->setData(Qt::AccessibleDescriptionRole, address);
-    item->setToolTip(PlainToolTip(address));
+/// What the rows show of the devices' names, which may be long.
+QStringList SelectController::ShownNames() const {
+    QStringList names;
+    for (int row = 0; row < numberOfRowsInTableView(); ++row) {
+        names.append(ToWidgetText(Abbreviated(tableViewObjectValueForTableColumn("", row).value_or(""))));
+    }
+    return names;
+}
+
+/// Devices of the same name are told apart by the address, which is at hand for the others as well.
+void SelectController::AddRow(const QString& zName, bool zIsUnique, const QString& zAddress) {
+    auto item =
+        std::make_unique<QListWidgetItem>(zIsUnique ? zName : QStringLiteral("%1 (%2)").arg(zName, zAddress));
+    item->setData(Qt::AccessibleDescriptionRole, zAddress);
+    item->setToolTip(PlainToolTip(zAddress));
     tableView->addItem(item.release()); // the list owns its items
 }
 
@@ -430,5 +440,5 @@ void SelectController::cancelDlg() {
 }
 
 void SelectController::OnHelpButton() {
-    OpenUserGuide();
+    ShowUserGuide(this);
 }

@@ -86,7 +86,8 @@ private:
     void SetFoundDeviceMode(bool zOn);
     void FocusChosenWay();
     void ReloadList(int zSelectedRow);
-    void AddRow(int zRow);
+    QStringList ShownNames() const;
+    void AddRow(const QString& zName, bool zIsUnique, const QString& zAddress);
     bool IsListed(const std::string& zAddress) const;
     bool HasNews() const;
     const char* ChooseHint(bool zHasNews) const;

@@ -39,7 +39,11 @@ namespace {
     QT_TRANSLATE_NOOP(
         "Quillbox",
         "Paste them where you ask for help. They say which versions and which system you use, and "
-        "hold the last lines of the log, in which names of devices and files may appear."),
+        "hold the last lines of the log, in which names of devices and files and network addresses may "
+        "appear."),
+    QT_TRANSLATE_NOOP("Quillbox", "The user guide cannot be shown"),
+    QT_TRANSLATE_NOOP("Quillbox", "It was not found. Installing Quillbox again brings it back."),
+    QT_TRANSLATE_NOOP("Quillbox", "No web browser could be started. The guide is the file '%s'."),
 
     // The selection of a device
     QT_TRANSLATE_NOOP("Quillbox",

@@ -1,6 +1,7 @@
 #include "UserGuide.h"
 
 #include "CommonUtils.h"
+#include "WidgetText.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFileInfo>
@@ -21,17 +22,20 @@ QString FindUserGuide(const QString& zProgramFolder) {
 
 } // namespace
 
-void OpenUserGuide() {
-    OpenUserGuide(QCoreApplication::applicationDirPath());
+std::string OpenUserGuide() {
+    return OpenUserGuide(QCoreApplication::applicationDirPath());
 }
 
-void OpenUserGuide(const QString& zProgramFolder) {
+std::string OpenUserGuide(const QString& zProgramFolder) {
     const QString path = FindUserGuide(zProgramFolder);
     if (path.isEmpty()) {
         DebugPrint("User guide not found\n");
-        return;
+        return Translated("It was not found. Installing Quillbox again brings it back.");
     }
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path))) {
         DebugPrint("User guide cannot be opened\n");
+        return Filled("No web browser could be started. The guide is the file '%s'.",
+                      FromWidgetText(path).c_str());
     }
+    return {};
 }

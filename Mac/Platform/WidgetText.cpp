@@ -4,7 +4,11 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QStringDecoder>
+#include <QtWidgets/QLabel>
 
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
 #include <string_view>
 
 namespace {
@@ -43,8 +47,7 @@ std::string TranslatedAroundName(const std::string& zText) {
         const std::string_view tail = source.substr(head.size() + kNameMark.size());
         if (zText.size() >= head.size() + tail.size() && zText.starts_with(head) && zText.ends_with(tail)) {
             const std::size_t length = zText.size() - head.size() - tail.size();
-            std::string words = Translated(source.data());
-            return words.replace(words.find(kNameMark), kNameMark.size(), zText, head.size(), length);
+            return Filled(source.data(), zText.substr(head.size(), length).c_str());
         }
     }
     return zText;
@@ -81,9 +84,28 @@ std::string TranslatedMessage(const std::string& zText) {
     return words == zText ? TranslatedAroundName(zText) : words;
 }
 
+std::string Filled(const char* zSource, ...) {
+    const std::string words = Translated(zSource);
+    std::va_list arguments;
+    va_start(arguments, zSource);
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, words.c_str(), arguments);
+    va_end(arguments);
+    std::string text(static_cast<std::size_t>(std::max(length, 0)), '\0');
+    std::vsnprintf(text.data(), text.size() + 1, words.c_str(), again);
+    va_end(again);
+    return text;
+}
+
 std::string NameAndReason(const std::string& zName, const std::string& zReason) {
-    std::string text = Translated("%s - %s");
-    // The last mark first: a name may hold any characters.
-    text.replace(text.rfind(kNameMark), kNameMark.size(), Translated(zReason));
-    return text.replace(text.find(kNameMark), kNameMark.size(), zName);
+    return Filled("%s - %s", zName.c_str(), Translated(zReason).c_str());
+}
+
+void ShowWords(QLabel& zrLabel, const std::string& zText) {
+    const QString words = ToWidgetText(zText);
+    if (zrLabel.text() != words) { // else it would be laid out and told to assistive tools again
+        zrLabel.setText(words);
+        zrLabel.setAccessibleDescription(words);
+    }
 }

@@ -4,6 +4,8 @@
 
 #include <string>
 
+class QLabel;
+
 /// The edge between our byte strings and the texts of widgets.
 
 /// UTF-8 bytes as a widget may show them. A character cut off at the end is dropped, invalid bytes become
@@ -22,5 +24,11 @@ std::string Translated(const std::string& zSource);
 /// name.
 std::string TranslatedMessage(const std::string& zText);
 
+/// A source text in the user's language, filled by printf's rules with whatever it has marks for, however long.
+std::string Filled(const char* zSource, ...) __attribute__((format(printf, 1, 2)));
+
 /// What went wrong with something, as in "song.wav - Path too long"; the reason is a source text.
 std::string NameAndReason(const std::string& zName, const std::string& zReason);
+
+/// Shows words on a label whose accessible name is its role, so that they are its description as well.
+void ShowWords(QLabel& zrLabel, const std::string& zText);

@@ -862,8 +862,20 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
         <translation>Diagnosedaten kopiert</translation>
     </message>
     <message>
-        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files may appear.</source>
-        <translation>Fügen Sie sie dort ein, wo Sie um Hilfe bitten. Sie nennen die Versionen und das System, die Sie verwenden, und enthalten die letzten Zeilen des Protokolls, in denen Namen von Geräten und Dateien vorkommen können.</translation>
+        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files and network addresses may appear.</source>
+        <translation>Fügen Sie sie dort ein, wo Sie um Hilfe bitten. Sie nennen die Versionen und das System, die Sie verwenden, und enthalten die letzten Zeilen des Protokolls, in denen Namen von Geräten und Dateien sowie Netzwerkadressen vorkommen können.</translation>
+    </message>
+    <message>
+        <source>The user guide cannot be shown</source>
+        <translation>Das Benutzerhandbuch lässt sich nicht anzeigen</translation>
+    </message>
+    <message>
+        <source>It was not found. Installing Quillbox again brings it back.</source>
+        <translation>Es wurde nicht gefunden. Wird Quillbox erneut installiert, ist es wieder da.</translation>
+    </message>
+    <message>
+        <source>No web browser could be started. The guide is the file &apos;%s&apos;.</source>
+        <translation>Es konnte kein Webbrowser gestartet werden. Das Handbuch ist die Datei „%s“.</translation>
     </message>
     <message numerus="yes">
         <source>about %n seconds left</source>

@@ -862,8 +862,20 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
         <translation>Diagnostics copiés</translation>
     </message>
     <message>
-        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files may appear.</source>
-        <translation>Collez-les là où vous demandez de l’aide. Ils indiquent les versions et le système que vous utilisez, et contiennent les dernières lignes du journal, où peuvent figurer des noms d’appareils et de fichiers.</translation>
+        <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files and network addresses may appear.</source>
+        <translation>Collez-les là où vous demandez de l’aide. Ils indiquent les versions et le système que vous utilisez, et contiennent les dernières lignes du journal, où peuvent figurer des noms d’appareils et de fichiers ainsi que des adresses réseau.</translation>
+    </message>
+    <message>
+        <source>The user guide cannot be shown</source>
+        <translation>Impossible d’afficher le guide de l’utilisateur</translation>
+    </message>
+    <message>
+        <source>It was not found. Installing Quillbox again brings it back.</source>
+        <translation>Il est introuvable. Il revient quand Quillbox est installé à nouveau.</translation>
+    </message>
+    <message>
+        <source>No web browser could be started. The guide is the file &apos;%s&apos;.</source>
+        <translation>Aucun navigateur web n’a pu être lancé. Le guide est le fichier «&#x202f;%s&#x202f;».</translation>
     </message>
     <message numerus="yes">
         <source>about %n seconds left</source>

@@ -70,7 +70,8 @@ protected:
 
 TEST_F(Diagnostics, AreCopiedByMenuAndANoteSaysSo) {
     EXPECT_THAT(Copy([this] { MenuEntry("Copy Diagnostics").trigger(); }),
-                AllOf(HasSubstr("Paste them"), HasSubstr("names of devices and files may appear")));
+                AllOf(HasSubstr("Paste them"),
+                      HasSubstr("names of devices and files and network addresses may appear")));
     EXPECT_THAT(ClipboardText(), HasSubstr("Qt: "));
 }
 

@@ -1,6 +1,7 @@
 #include "Browser.h"
 #include "WindowFixture.h"
 
+#include <QtWidgets/QMessageBox>
 #include <gmock/gmock.h>
 
 namespace {
@@ -25,6 +26,26 @@ TEST_F(Help, TheUserGuideOpensByKeyAndMenu) {
         EXPECT_TRUE(url.path().endsWith(QLatin1String("/doc/quillbox/user-guide.html")))
             << url.path().toStdString();
     }
+}
+
+TEST_F(Help, AnAlertSaysWhyTheUserGuideCannotBeShown) {
+    // On this platform of the toolkit nothing opens addresses unless a test does.
+    std::vector<std::string> said;
+    Meanwhile meanwhile;
+    const auto read = [&said](QWidget& zrAlert) {
+        said.push_back(dynamic_cast<QMessageBox&>(zrAlert).informativeText().toStdString());
+        Click<QPushButton>(zrAlert, "OK");
+    };
+    meanwhile.WhenShown("The user guide cannot be shown", read);
+    Key(Qt::Key_F1);
+    meanwhile.WhenShown("Select Device", [&](QWidget& zrDialog) {
+        meanwhile.WhenShown("The user guide cannot be shown", read);
+        Click<QPushButton>(zrDialog, "Help");
+        Click<QPushButton>(zrDialog, "Cancel");
+    });
+    Click<QPushButton>(mWindow, "Connect");
+    ASSERT_EQ(said.size(), 2U);
+    EXPECT_THAT(said, ::testing::Each(::testing::HasSubstr("No web browser could be started.")));
 }
 
 TEST_F(Help, TheUserGuideStaysShutWhileSomethingElseRuns) {

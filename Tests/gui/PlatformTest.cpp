@@ -170,6 +170,14 @@ TEST(WidgetTextEdge, ATranslationIsLookedUpByItsEnglishText) {
     EXPECT_EQ(Translated("No"), "No");
 }
 
+TEST(WidgetTextEdge, WhatFillsATextIsWholeHoweverLong) {
+    const std::string name(3000, '%');
+    EXPECT_EQ(Filled("Connected to '%s'", name.c_str()), "Connected to '" + name + "'");
+    EXPECT_EQ(Filled("File %d of %d", 3, 20), "File 3 of 20");
+    EXPECT_EQ(Filled("%s - %s", "\xFF\xC3", "\xE2\x82"), "\xFF\xC3 - \xE2\x82");
+    EXPECT_EQ(Filled("%s", ""), "");
+}
+
 TEST(WidgetTextEdge, WithoutATranslationTheBytesStay) {
     EXPECT_EQ(Translated(std::string("cut off \xE2\x82")), "cut off \xE2\x82");
     EXPECT_EQ(Translated(""), "");
@@ -177,13 +185,25 @@ TEST(WidgetTextEdge, WithoutATranslationTheBytesStay) {
 
 // --- The user guide ---
 
-TEST(UserGuide, ALogLineSaysWhereThereIsNone) {
+TEST(UserGuide, WhereThereIsNoneThatIsSaidAndLogged) {
     const Browser browser;
     const TestFolder folder;
     ::testing::internal::CaptureStdout();
-    OpenUserGuide(QString::fromStdString(folder / "bin"));
+    EXPECT_EQ(OpenUserGuide(QString::fromStdString(folder / "bin")),
+              "It was not found. Installing Quillbox again brings it back.");
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "User guide not found\n");
     EXPECT_TRUE(browser.Opened().isEmpty());
+}
+
+TEST(UserGuide, WithoutABrowserItsPlaceIsSaid) {
+    // On this platform of the toolkit nothing opens addresses unless a test does.
+    const TestFolder folder;
+    const std::string guide = folder.Write("share/doc/quillbox/user-guide.html", "<h1>Guide</h1>");
+    std::filesystem::create_directory(folder / "bin");
+    ::testing::internal::CaptureStdout();
+    EXPECT_EQ(OpenUserGuide(QString::fromStdString(folder / "bin")),
+              "No web browser could be started. The guide is the file '" + guide + "'.");
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "User guide cannot be opened\n");
 }
 
 TEST(UserGuide, OpensTheOneOfTheDataFolders) {
@@ -192,7 +212,7 @@ TEST(UserGuide, OpensTheOneOfTheDataFolders) {
     qputenv("XDG_DATA_HOME", QByteArray::fromStdString(folder.Path().string()));
     const std::string guide = folder.Write("doc/quillbox/user-guide.html", "<h1>Guide</h1>");
     const Browser browser;
-    OpenUserGuide(QString::fromStdString(folder / "bin"));
+    EXPECT_EQ(OpenUserGuide(QString::fromStdString(folder / "bin")), "");
     qputenv("XDG_DATA_HOME", former);
     ASSERT_EQ(browser.Opened().size(), 1);
     EXPECT_EQ(browser.Opened().first(), QUrl::fromLocalFile(QString::fromStdString(guide)));

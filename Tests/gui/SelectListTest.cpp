@@ -327,11 +327,20 @@ TEST_F(SelectionList, TheAddressTellsDevicesOfOneNameApart) {
         EXPECT_EQ(RowDescription(row), addresses[static_cast<std::size_t>(row)]);
         EXPECT_EQ(ShownToolTip(row), addresses[static_cast<std::size_t>(row)]);
         EXPECT_EQ(QAccessible::queryAccessibleInterface(&List())->child(row)->text(QAccessible::Name),
-                  QStringLiteral("Studio"));
+                  QStringLiteral("Studio (%1)").arg(addresses[static_cast<std::size_t>(row)]));
     }
     QTest::keyClick(&List(), Qt::Key_Down);
     Press("OK");
     EXPECT_EQ(mpDialog->GetIPAddressStr(), "10.0.0.8");
+    EXPECT_EQ(mpDialog->GetDeviceName(), "Studio");
+}
+
+TEST_F(SelectionList, ANameOfItsOwnNeedsNoAddress) {
+    mDevices.Add("Studio", "10.0.0.7");
+    mDevices.Add("Stage", "10.0.0.8");
+    Open();
+    EXPECT_EQ(List().item(0)->text(), QStringLiteral("Studio"));
+    EXPECT_EQ(List().item(1)->text(), QStringLiteral("Stage"));
 }
 
 TEST_F(SelectionList, AnEndlessNameIsAbbreviated) {
