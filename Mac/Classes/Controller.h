@@ -239,7 +239,6 @@ private:
     sTableEntry MakeTableEntry(const cClientProtocol::cDeviceFileInfo& zrInfo) const;
     bool IsShown(const cClientProtocol::cDeviceFileInfo& zrInfo) const;
     const cClientProtocol::cDeviceFileInfo* RecordAt(int zRow) const;
-    std::vector<int> SelectedRows() const;
     void UpdateConnectedControls();
     void UpdateDisconnectedControls();
 

@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <map>
 #include <numeric>
-#include <string_view>
 #include <utility>
 
 namespace {
@@ -32,14 +31,8 @@ const std::string& ValueOf(const sTableEntry& zEntry, const std::string& zColumn
     return value == kValues.end() ? kNothing : zEntry.*(value->second);
 }
 
-/// Not FormatString: a device chooses the extension, which may be long.
 std::string FileType(const std::string& zExtension) {
-    static constexpr std::string_view kMark = "%s";
-    if (zExtension.empty()) {
-        return Translated(" file");
-    }
-    std::string type = Translated("%s file");
-    return type.replace(type.find(kMark), kMark.size(), zExtension);
+    return zExtension.empty() ? Translated(" file") : Filled("%s file", zExtension.c_str());
 }
 
 } // namespace
@@ -104,15 +97,6 @@ const cClientProtocol::cDeviceFileInfo* Controller::RecordAt(int zRow) const {
     return value ? value->mpFileInfo : nullptr;
 }
 
-std::vector<int> Controller::SelectedRows() const {
-    std::vector<int> rows;
-    for (const QModelIndex& index : tableView->selectionModel()->selectedRows()) {
-        rows.push_back(index.row());
-    }
-    std::sort(rows.begin(), rows.end());
-    return rows;
-}
-
 // --- Folders ---
 
 void Controller::SetCurrentDirectory(const std::string& zPath) {
@@ -163,7 +147,7 @@ void Controller::OnOpen() {
 
 /// The row of the folder that alone is selected; -1 for anything else.
 int Controller::SelectedFolder() const {
-    const std::vector<int> rows = SelectedRows();
+    const std::vector<int> rows = tableView->SelectedRows();
     const auto* info = rows.size() == 1 ? RecordAt(rows.front()) : nullptr;
     return info != nullptr && info->mIsFolder ? rows.front() : -1;
 }
@@ -265,7 +249,7 @@ void Controller::UpdateControls() {
 }
 
 void Controller::UpdateConnectedControls() {
-    const std::vector<int> rows = SelectedRows();
+    const std::vector<int> rows = tableView->SelectedRows();
     const bool allDeletable = std::all_of(rows.begin(), rows.end(), [this](int row) {
         const auto* info = RecordAt(row);
         return info != nullptr && (info->mRights & kRightDelete) != 0;

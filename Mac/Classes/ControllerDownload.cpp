@@ -3,6 +3,7 @@
 #include "CommonUtils.h"
 #include "CommonUtils_OSX.h"
 #include "CopyFolderController.h"
+#include "DeviceTableView.h"
 #include "Settings.h"
 #include "WidgetText.h"
 
@@ -73,7 +74,7 @@ void Controller::OnDownloadButton() {
     if (!IsConnected()) {
         return;
     }
-    if (SelectedRows().empty()) {
+    if (tableView->SelectedRows().empty()) {
         ShowMessage("No files selected", Translated("Please select the files you wish to download"));
         return;
     }
@@ -96,7 +97,7 @@ void Controller::DownloadInto(const std::string& zDestination, const cDeviceDirL
 cDeviceDirList Controller::SelectedRecords() const {
     cDeviceDirList list;
     list.mDir = mCurrentDirList.mDir;
-    for (const int row : SelectedRows()) {
+    for (const int row : tableView->SelectedRows()) {
         const tFileInfo* info = RecordAt(row);
         if (info == nullptr) {
             continue;
@@ -145,7 +146,7 @@ std::string Controller::DownloadFiles(const std::string& zDestination,
     if (!MeasureDownload(zrDeviceFileList, total)) {
         return {};
     }
-    const std::string title = FormatString(Translated("Downloading to '%s'").c_str(), zDestination.c_str());
+    const std::string title = Filled("Downloading to '%s'", zDestination.c_str());
     auto session = InitProgressDialogue(title);
     sDownload download{session.get(), total};
     const bool walked = DownloadFilesRecurse(zDestination, zrDeviceFileList, download);

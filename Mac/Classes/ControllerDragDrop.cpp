@@ -41,7 +41,7 @@ bool Controller::tableViewWriteRowsWithIndexes(const std::vector<int>& zRows) {
 
 std::vector<std::string>
 Controller::namesOfPromisedFilesDroppedAtDestination(const std::string& zDestination) {
-    if (!IsConnected() || SelectedRows().empty()) {
+    if (!IsConnected() || tableView->SelectedRows().empty()) {
         return {};
     }
     const cDeviceDirList list = SelectedRecords();

@@ -7,8 +7,6 @@
 #include "DeviceTableView.h"
 #include "WidgetText.h"
 
-#include <QtCore/QString>
-
 #include <algorithm>
 
 namespace {
@@ -24,12 +22,6 @@ constexpr const char* kDeleteFile =
     "Are you sure you want to delete this file from '%s:/%s'?  This operation cannot be undone.";
 constexpr const char* kDeleteFiles =
     "Are you sure you want to delete %d files from '%s:/%s'?  This operation cannot be undone.";
-
-/// One of our texts with the texts of others in it, which may be long; FormatString would cut them.
-template <typename... tArguments>
-std::string Filled(const char* zTemplate, tArguments... zArguments) {
-    return FromWidgetText(QString::asprintf(Translated(zTemplate).c_str(), zArguments...));
-}
 
 /// The other names would make a folder elsewhere, or none.
 bool IsPlainFolderName(const std::string& zName) {
@@ -58,7 +50,7 @@ void Controller::OnDeleteButton() {
     if (!IsConnected()) {
         return;
     }
-    const std::vector<int> rows = SelectedRows();
+    const std::vector<int> rows = tableView->SelectedRows();
     if (rows.empty()) {
         ShowMessage("No files selected", Translated("Please select the files you wish to delete"));
         return;

@@ -92,7 +92,7 @@ bool Controller::ConnectDevice(const std::string& zStartDir) {
     OpenSocket();
     mpSocket->Connect();
 
-    const std::string message = FormatString(Translated("Searching for '%s'").c_str(), mIPAddressStr.c_str());
+    const std::string message = Filled("Searching for '%s'", mIPAddressStr.c_str());
     const auto session = InitProgressDialogue(message);
     progressDlg->SetProgress(message, 0.0F);
     const bool connected = WaitForWelcome(*session);
@@ -149,7 +149,7 @@ void Controller::GreetDevice() {
 }
 
 void Controller::ShowConnected() {
-    SetStatusText(FormatString(Translated("Connected to '%s'").c_str(), mDeviceName.c_str()));
+    SetStatusText(Filled("Connected to '%s'", mDeviceName.c_str()));
 }
 
 void Controller::EndConnectionAttempt() {

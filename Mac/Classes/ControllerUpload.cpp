@@ -108,8 +108,7 @@ void Controller::UploadIntoShownFolder(const std::vector<std::string>& zPaths) {
 
 std::vector<std::string> Controller::ChooseUploads(const std::string& zFolder) {
     sOpenPanelRequest request;
-    request.title =
-        FormatString(Translated("Upload files to '%s:/%s'").c_str(), mDeviceName.c_str(), zFolder.c_str());
+    request.title = Filled("Upload files to '%s:/%s'", mDeviceName.c_str(), zFolder.c_str());
     request.allowsMultiple = true;
     if (!mSuperUser) {
         request.allowedTypes = {"wav", "aif"};

@@ -20,13 +20,6 @@ constexpr sPromptTexts kFolderTexts = {
 constexpr sPromptTexts kFileTexts = {"Copy File", "A file with the name '%s' already exists.",
                                      "Do you want to replace it?"};
 
-/// The accessible name of these labels is their role, so the words go into the description.
-void ShowWords(QLabel& zrLabel, const std::string& zText) {
-    const QString words = ToWidgetText(zText);
-    zrLabel.setText(words);
-    zrLabel.setAccessibleDescription(words);
-}
-
 } // namespace
 
 CopyFolderController::CopyFolderController(QWidget* zpParent)
@@ -51,7 +44,8 @@ void CopyFolderController::windowDidLoad() {
 void CopyFolderController::setText(bool zIsFolder, const std::string& zMessage) {
     const sPromptTexts& texts = zIsFolder ? kFolderTexts : kFileTexts;
     setWindowTitle(ToWidgetText(Translated(texts.title)));
-    ShowWords(*mpText1, FormatString(Translated(texts.exists).c_str(), zMessage.c_str()));
+    ShowWords(*mpText1, Filled(texts.exists, Abbreviated(zMessage).c_str()));
+    mpText1->setAccessibleDescription(ToWidgetText(Filled(texts.exists, zMessage.c_str())));
     ShowWords(*mpText2, Translated(texts.question));
     adjustSize();
 }

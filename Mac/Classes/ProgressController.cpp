@@ -14,15 +14,6 @@ constexpr int kBarSteps = 1000;
 constexpr int kBetweenChanges = 40;                     // milliseconds
 constexpr std::chrono::milliseconds kBetweenLooks{500}; ///< at an amount that stays the same
 
-/// The accessible name of these labels is their role, so the words go into the description.
-void ShowWords(QLabel& zrLabel, const std::string& zText) {
-    const QString words = ToWidgetText(zText);
-    if (zrLabel.text() != words) {
-        zrLabel.setText(words);
-        zrLabel.setAccessibleDescription(words);
-    }
-}
-
 /// A line that comes and goes must not move the others, nor change the window's size.
 void KeepRoom(QWidget& zrWidget) {
     QSizePolicy policy = zrWidget.sizePolicy();

@@ -39,6 +39,15 @@ void DeviceTableView::SetPlaceholder(const QString& zText) {
     viewport()->update();
 }
 
+std::vector<int> DeviceTableView::SelectedRows() const {
+    std::vector<int> rows;
+    for (const QModelIndex& index : selectionModel()->selectedRows()) {
+        rows.push_back(index.row());
+    }
+    std::ranges::sort(rows);
+    return rows;
+}
+
 void DeviceTableView::setModel(QAbstractItemModel* zpModel) {
     QTableView::setModel(zpModel);
     // After the selection model, which forgets the current row as the rows are read anew.
@@ -136,11 +145,7 @@ int DeviceTableView::RowAt(const QDropEvent& zEvent) const {
 }
 
 void DeviceTableView::startDrag(Qt::DropActions zActions) {
-    std::vector<int> rows;
-    for (const QModelIndex& index : selectionModel()->selectedRows()) {
-        rows.push_back(index.row());
-    }
-    std::ranges::sort(rows);
+    const std::vector<int> rows = SelectedRows();
     if (mpSource != nullptr && !rows.empty() && mpSource->tableViewWriteRowsWithIndexes(rows)) {
         QTableView::startDrag(zActions);
     }

@@ -21,6 +21,9 @@ public:
     /// The grey text of the empty table; "" for none.
     void SetPlaceholder(const QString& zText);
 
+    /// The rows that are selected, from the top down.
+    std::vector<int> SelectedRows() const;
+
     /// Who is asked about drags; null for nobody, and no drags.
     void SetDataSource(TableDataSource* zpSource) { mpSource = zpSource; }
 

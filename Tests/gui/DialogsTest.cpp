@@ -276,16 +276,17 @@ TEST_F(OverwritePrompt, NamesAreData) {
               QStringLiteral("A file with the name '100%s %n <b>x</b>' already exists."));
 }
 
-TEST_F(OverwritePrompt, TheTextIsCutAt255BytesBetweenCharacters) {
+TEST_F(OverwritePrompt, ALongPathIsShownWithBothItsEndsAndDescribedWhole) {
     CopyFolderController prompt(&mMain);
-    std::string name;
-    for (int i = 0; i < 200; ++i) {
-        name += "\xC3\xBC";
-    }
-    prompt.setText(false, name);
-    // 22 bytes come before the name; 116 whole characters and half of the next follow within 255.
-    EXPECT_EQ(Words(prompt, "What exists"),
-              QStringLiteral("A file with the name '") + QString(116, QChar(0xFC)));
+    const QString path =
+        QStringLiteral("/home/me/") + QString(200, QChar(0xFC)) + QStringLiteral("/Kick.wav");
+    prompt.setText(false, path.toStdString());
+    const QLabel& label = Control<QLabel>(prompt, "What exists");
+    EXPECT_TRUE(label.text().startsWith(QStringLiteral(u"A file with the name '/home/me/\u00FC")));
+    EXPECT_TRUE(label.text().endsWith(QStringLiteral(u"\u00FC/Kick.wav' already exists.")));
+    EXPECT_TRUE(label.text().contains(QChar(0x2026)));
+    EXPECT_EQ(label.accessibleDescription(),
+              QStringLiteral("A file with the name '%1' already exists.").arg(path));
 }
 
 TEST_F(OverwritePrompt, ALongPathGetsMoreLinesAndNotAWiderWindow) {
