@@ -1,5 +1,6 @@
 #include "SelectController.h"
 
+#include "AddressText.h"
 #include "Alert.h"
 #include "ClientProtocol.h"
 #include "CommonUtils.h"
@@ -12,14 +13,10 @@
 #include "ui_SelectView.h"
 
 #include <QtCore/QEvent>
-#include <QtCore/QRegularExpression>
-#include <QtGui/QClipboard>
-#include <QtWidgets/QApplication>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <cstdlib>
 #include <exception>
 
 namespace {
@@ -27,7 +24,6 @@ namespace {
 constexpr int kRunning = 0;
 constexpr int kAccepted = 1;
 constexpr int kCancelled = 2;
-constexpr long kLargestOctet = 255;
 constexpr int kLeastWidth = 400;
 constexpr int kLeastHeight = 320;
 constexpr std::chrono::milliseconds kNewsInterval(500);
@@ -51,38 +47,6 @@ constexpr const char* kNewsTyping =
     "New devices were found. To see them, choose \"Use found device\" and press Refresh.";
 constexpr std::array kHints = {kNothingToSay, kLooking, kCannotLook, kNews, kCannotLookTyping, kNewsTyping};
 constexpr const char* kRefreshNews = "New devices were found";
-
-/// The number at the start of a text, brought into the range of an octet; 0 where there is none.
-long LeadingOctet(const std::string& zText) {
-    return std::clamp(std::strtol(zText.c_str(), nullptr, 10), 0L, kLargestOctet);
-}
-
-QString OctetText(const QString& zText) {
-    return QString::number(LeadingOctet(FromWidgetText(zText)));
-}
-
-/// The four numbers of a text that is a dotted address and nothing else but white space around it.
-QStringList WholeAddress(const QString& zText) {
-    static const QRegularExpression kDotted(QStringLiteral("^[0-9]+([.][0-9]+){3}$"));
-    const QString text = zText.trimmed();
-    return kDotted.match(text).hasMatch() ? text.split(QLatin1Char('.')) : QStringList();
-}
-
-/// The address that has just been pasted into a field which now holds zText, perhaps between other digits.
-QStringList PastedAddress(const QString& zText, bool zWasEmpty) {
-    constexpr int kDots = 3; // nobody types as many, since each goes at once
-    if (zWasEmpty || zText.count(QLatin1Char('.')) < kDots) {
-        return WholeAddress(zText);
-    }
-    QString longest;
-    for (const QClipboard::Mode mode : {QClipboard::Clipboard, QClipboard::Selection}) {
-        const QString pasted = QGuiApplication::clipboard()->text(mode).trimmed();
-        if (pasted.size() > longest.size() && !WholeAddress(pasted).isEmpty() && zText.contains(pasted)) {
-            longest = pasted;
-        }
-    }
-    return WholeAddress(longest.isEmpty() ? zText : longest); // or dropped, or brought by an input method
-}
 
 QIcon NewsIcon() {
     return ThemeIcon("dialog-information");
