@@ -202,6 +202,11 @@ class Quillbox:
     def open_folder(self, name):
         self.desktop.click_row(self.table, self.row_of(name), times=2)
 
+    def open_context_menu(self, name):
+        """Opens what a right click on a row offers; the accessibility bus does not show such menus."""
+        self.desktop.click_at(*self.row_place(name), button=3)
+        wait_for(lambda: len(self.desktop.windows_of(self.program.process)) == 2, "the context menu")
+
     def ask_for_download(self, names):
         """Selects rows and presses Download; returns the folder chooser."""
         self.select(*names)

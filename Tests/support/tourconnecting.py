@@ -18,7 +18,7 @@ def start(stage):
 
 def about(stage):
     open_help_menu(stage)
-    stage.done("help", "The Help menu", "It has the user guide (F1) and says which version this is.",
+    stage.done("help", "The Help menu", "The user guide (F1), what helpers ask for, and which version this is.",
                of=stage.quillbox.main)
     stage.desktop.click(help_menu(stage).look_for("About Quillbox"))
     alert = stage.quillbox.program.alert(version())
@@ -42,8 +42,9 @@ def diagnostics(stage):
     alert = stage.quillbox.program.alert("Diagnostics copied")
     lines = pasted(stage.desktop).splitlines()
     check(f"Kernel: linux {platform.release()}" in lines, f"the system is named in {lines}")
-    stage.done("diagnostics", "Copy Diagnostics", "Versions, system and log are on the clipboard.",
-               lines[:lines.index("")], of=alert)
+    names = [line.partition(":")[0] for line in lines[:lines.index("")]]
+    stage.done("diagnostics", "Copy Diagnostics", "What helpers ask for is on the clipboard.",
+               [", ".join(names) + ", and the last lines of the log"], of=alert)
     close(stage, alert)
 
 

@@ -9,6 +9,7 @@ from waiting import wait_for
 PROGRAM_PLACE = (10, 395, 860, 450)
 MANAGER_PLACE = (10, 30, 860, 310)
 BARE_DESKTOP = (1200, 860)
+WELL_INSIDE = 330  # points from the edge of the manager's view, where a picture shows the whole of what is dragged
 
 DRAGGED_IN = "Autumn tour"
 DRAGGED_OUT = ["Straßenmusik", TEXT_FILE]
@@ -58,7 +59,8 @@ def replace_folder(stage, manager, hand):
 def drag_out(stage, manager, hand):
     stage.quillbox.select(*DRAGGED_OUT)
     hand.lift(stage.quillbox.row_place(TEXT_FILE))
-    hand.carry_where_it_is_taken(manager.empty_place())
+    x, y = manager.empty_place()
+    hand.carry_where_it_is_taken((x - WELL_INSIDE, y))
     stage.done("drag-out", "Drag files and folders out", "What is selected in the table hangs on the pointer.",
                of=stage.quillbox.main)
     served = contents(stage.served)

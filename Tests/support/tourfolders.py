@@ -7,6 +7,15 @@ NEW_FOLDER = "Rehearsals"
 NEW_RECORDING = "Rain.wav"
 
 
+def context_menu(stage):
+    stage.quillbox.open_context_menu(FOLDER)
+    stage.done("context-menu", "The context menu", "A right click offers what can be done. Open comes first.",
+               of=stage.quillbox.main)
+    stage.desktop.keys("Down", "Return")
+    stage.wait_for_listing(f"/{FOLDER}")
+    go_back(stage)
+
+
 def browse(stage):
     stage.quillbox.open_folder(FOLDER)
     stage.wait_for_listing(f"/{FOLDER}")
@@ -23,8 +32,7 @@ def sort(stage):
         wait_for(lambda: quillbox.names() == order, lambda: f"the order {order}, not {quillbox.names()}")
     stage.done("sort", "Sort", "A click on a heading sorts by that column, another one turns the order round.",
                of=quillbox.main)
-    quillbox.click_button("Back")
-    stage.wait_for_listing("/")
+    go_back(stage)
 
 
 def refresh(stage):
@@ -52,15 +60,15 @@ def empty_folder(stage):
     stage.wait_for_listing(f"/{NEW_FOLDER}")
     stage.done("empty", "An empty folder", "The new folder is on the device. The table says that nothing is in it.",
                of=stage.quillbox.main)
-    stage.quillbox.click_button("Back")
-    stage.wait_for_listing("/")
+    go_back(stage)
 
 
 def taken_name(stage):
     before = names_in(stage.served)
     ask_for_folder(stage).find("OK", "push button").press()
     alert = stage.quillbox.program.alert("File already exists")
-    stage.done("taken-name", "A message", "The same name once more: Quillbox says why that cannot be.", of=alert)
+    stage.done("taken-name", "A name that is taken", "The same name once more: a message says why that cannot be.",
+               of=alert)
     alert.find("OK", "push button").press()
     stage.quillbox.wait_for_listing("/", before)
 
@@ -74,6 +82,24 @@ def delete(stage):
     stage.quillbox.wait_for_listing("/", set(names_in(stage.served)) - {NEW_FOLDER})
     check(not (stage.served / NEW_FOLDER).exists(), f"the device has deleted '{NEW_FOLDER}'")
     stage.done("deleted", "Deleted", "The folder is gone from the device.", of=stage.quillbox.main)
+
+
+def transparency(stage):
+    """Without a compositor the pictures do not show it, so this asks for what the window tells one."""
+    slider = stage.quillbox.main.find("Transparency", "slider")
+    window = stage.desktop.windows_of(stage.quillbox.program.process)[0]
+    stage.desktop.click(slider, 0.4)
+    wait_for(lambda: slider.value < 100, "a window that lets something show through")
+    wait_for(lambda: " = " in stage.desktop.window_property(window, "_NET_WM_WINDOW_OPACITY"), "its opacity")
+    stage.done("transparency", "Transparency", "The slider lets what is behind the window show through.",
+               [f"{slider.value:g} % opaque, where the desktop can do that"], of=stage.quillbox.main)
+    stage.desktop.keys("End")
+    wait_for(lambda: slider.value == 100, "an opaque window")
+
+
+def go_back(stage):
+    stage.quillbox.click_button("Back")
+    stage.wait_for_listing("/")
 
 
 def ask_for_folder(stage):

@@ -81,7 +81,8 @@ def upload_question(stage):
     stage.quillbox.select(TEXT_FILE)
     stage.quillbox.start_upload(stage.home / "Texts", NEW_TEXT, UPLOAD_TITLE)
     prompt = stage.quillbox.window("Copy File")
-    stage.done("upload-question", "Nor on the device", f"It has a '{TEXT_FILE}' already.", of=prompt)
+    stage.done("upload-question", "Nor on the device",
+               f"It holds a '{TEXT_FILE}' already: Quillbox asks before it sends another one.", of=prompt)
     prompt.find("Yes", "push button").press()
     stage.quillbox.wait_for_end_of_transfer()
     check((stage.served / TEXT_FILE).read_text() == NEW_TEXT[TEXT_FILE], f"'{TEXT_FILE}' has been replaced")
