@@ -10,11 +10,12 @@ NEW_TEXT = {TEXT_FILE: "This text has come from the computer.\n"}
 
 
 def destination(stage):
+    target = music(stage)
     chooser = stage.quillbox.ask_for_download([FOLDER])
     stage.done("destination", "Choose where downloads go", "Download asks for the folder that is to receive it.",
                of=chooser)
     stage.slow_down()
-    stage.quillbox.choose_destination(chooser, music(stage))
+    stage.quillbox.choose_destination(chooser, target)
 
 
 def download(stage):
