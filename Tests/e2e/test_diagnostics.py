@@ -3,17 +3,13 @@
 import platform
 
 import case
-import gi
-
-READER = case.REPOSITORY / "Tests/support/clipboardtext.py"
+from clipboard import pasted, reason_not_to_paste
 
 
 class DiagnosticsTest(case.Case):
     def pasted(self):
         """The facts by name and the lines of the log, as another program pastes them."""
-        reader = self.desktop.start(["/usr/bin/python3", READER])
-        self.assertEqual(reader.wait(), 0, reader.output())
-        facts, log = reader.output().split("\n\n", 1)
+        facts, log = pasted(self.desktop).split("\n\n", 1)
         return dict(line.split(": ", 1) for line in facts.splitlines()), log.splitlines()
 
     def test_copied_by_keys_and_pasted_elsewhere(self):
@@ -29,14 +25,5 @@ class DiagnosticsTest(case.Case):
         self.assertLessEqual(set(log[1:]), {*quillbox.log_lines(), ""})
 
 
-def what_is_missing():
-    """What clipboardtext.py needs and does not find, in words; else None."""
-    try:
-        gi.require_version("Gtk", "3.0")
-    except ValueError as missing:
-        return str(missing)
-    return None
-
-
 if __name__ == "__main__":
-    case.main(what_is_missing)
+    case.main(reason_not_to_paste)

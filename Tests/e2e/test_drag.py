@@ -6,7 +6,7 @@ import sys
 
 import case
 import gi
-from desktop import REPOSITORY, settled_extents
+from desktop import REPOSITORY
 from dragging import Dragging
 from filemanager import Dolphin, PCManFM, Thunar
 from waiting import stays, wait_for
@@ -65,23 +65,13 @@ class DragCase(case.Case):
         self.assertEqual(case.read_files(self.desktop.root / "folders"), before)
         self.assertEqual(self.quillbox.status, "Connected to 'Test device'")
 
-    def table_place(self):
-        """A point in the lower part of the table."""
-        left, top, width, height = settled_extents(self.quillbox.table.node)
-        return left + width // 2, top + height - 40
-
-    def row_place(self, name):
-        """A point of a row at which to take hold of it."""
-        left, top, _, height = settled_extents(self.quillbox.table.cell(self.quillbox.row_of(name), 0))
-        return left + 40, top + height // 2
-
 
 class DropIn:
     """What every file manager's drags onto the table must do."""
 
     def drop(self, *names, place=None):
         self.manager.select(*names)
-        self.drop_selected(names[0], place or self.table_place())
+        self.drop_selected(names[0], place or self.quillbox.table_place())
 
     def drop_selected(self, held, place):
         """Drags the selection, held by this item, to a place of the table."""
@@ -107,7 +97,7 @@ class DropIn:
         old = {"1.txt": b"old", "2.txt": b"old", "Folder/4.txt": b"old"}
         self.start_drag_case(new, old)
         self.show()
-        self.drop("1.txt", "2.txt", "3.txt", place=self.row_place("Folder"))
+        self.drop("1.txt", "2.txt", "3.txt", place=self.quillbox.row_place("Folder"))
         self.answer("1.txt", "No")
         self.answer("2.txt", "Yes")
         self.wait_until_served(["1.txt", "2.txt", "3.txt", "Folder"])
@@ -130,7 +120,7 @@ class DropIn:
         self.start_drag_case(files, {})
         self.show()
         self.manager.select_all()
-        self.drop_selected("000.dat", self.table_place())
+        self.drop_selected("000.dat", self.quillbox.table_place())
         wait_for(lambda: self.answers_while(lambda: len(os.listdir(self.served)) < 500), "all files", 60)
         self.wait_until_served(files, 30)
         self.assert_same_files(self.served, files)
@@ -147,7 +137,7 @@ class DragOut:
 
     def drag(self, *names):
         self.quillbox.select(*names)
-        self.hand.drag(self.row_place(names[0]), self.manager.empty_place())
+        self.hand.drag(self.quillbox.row_place(names[0]), self.manager.empty_place())
 
     def test_files_and_a_folder(self):
         contents = {"Größe 100% #1.dat": os.urandom(70_001), "it's & more.bin": os.urandom(300_000),
@@ -190,13 +180,13 @@ class DragOut:
         self.start_drag_case({}, {"1.txt": b"1", "2.txt": b"2"})
         self.show()
         self.quillbox.select("1.txt", "2.txt")
-        self.hand.drag_nowhere(self.row_place("1.txt"))
+        self.hand.drag_nowhere(self.quillbox.row_place("1.txt"))
         self.assert_nothing_happens()
         self.assert_same_files(self.local, {})
         self.assertEqual(os.listdir(self.desktop.home), ["Documents"])
         # What was not dropped must not be in the way of the next drag, which takes an unselected row.
-        self.desktop.click_at(*self.table_place())
-        self.hand.drag(self.row_place("2.txt"), self.manager.empty_place())
+        self.desktop.click_at(*self.quillbox.table_place())
+        self.hand.drag(self.quillbox.row_place("2.txt"), self.manager.empty_place())
         wait_for(lambda: case.read_files(self.local) == {"2.txt": b"2"}, "the second file alone")
 
     def test_two_hundred_files(self):
@@ -206,7 +196,7 @@ class DragOut:
         self.quillbox.select("000.dat")
         self.desktop.keys("ctrl+a")
         wait_for(lambda: len(self.quillbox.table.selected_rows()) == 200, "all rows selected")
-        self.hand.drag(self.row_place("000.dat"), self.manager.empty_place())
+        self.hand.drag(self.quillbox.row_place("000.dat"), self.manager.empty_place())
         wait_for(lambda: case.read_files(self.local) == files, "all files", 40)
         self.quillbox.wait_for_main_window_only()
 
@@ -240,7 +230,7 @@ class RefusedDropTest(DragCase):
         self.start_drag_case({"a.txt": b"a"}, {"old.txt": b"old"}, rights="--r")
         self.show()
         self.manager.select("a.txt")
-        self.hand.drag(self.manager.grip("a.txt"), self.table_place())
+        self.hand.drag(self.manager.grip("a.txt"), self.quillbox.table_place())
         self.assertEqual(self.quillbox.dismiss_alert("File drop failed"), "This folder is read only.")
         self.quillbox.wait_for_main_window_only()
         self.assert_nothing_happens()
@@ -264,8 +254,8 @@ class RefusedDropTest(DragCase):
         self.show()
         self.quillbox.wait_for_listing("/", ["a.txt", "b.txt"])
         self.quillbox.select("a.txt")
-        self.hand.lift(self.row_place("a.txt"))
-        self.hand.carry_anywhere(self.table_place())
+        self.hand.lift(self.quillbox.row_place("a.txt"))
+        self.hand.carry_anywhere(self.quillbox.table_place())
         self.hand.let_go()
         self.quillbox.wait_for_log("writeRowsWithIndexes")
         self.assert_nothing_happens()
@@ -277,7 +267,7 @@ class RefusedDropTest(DragCase):
         source = self.desktop.start([sys.executable, SOURCE_SCRIPT, "Source", mime_type, data])
         self.desktop.place_window(source, *SOURCE_PLACE)
         self.hand.lift((SOURCE_PLACE[0] + 75, SOURCE_PLACE[1] + 50))
-        self.hand.carry_anywhere(self.table_place())
+        self.hand.carry_anywhere(self.quillbox.table_place())
         self.hand.let_go()
 
 

@@ -15,6 +15,7 @@ SKIPPED = 77  # known to CTest
 sys.path.insert(0, str(SUPPORT))
 
 try:
+    from clipboard import reason_not_to_paste
     from desktop import program_folder, reason_not_to_run
     from filemanager import Thunar
 except ImportError as missing:
@@ -41,7 +42,7 @@ class TourTest(unittest.TestCase):
         return said, (folder / "index.html").read_text(encoding="utf-8"), pictures
 
     def check(self, said, page, pictures):
-        self.assertGreater(len(set(pictures.values())), 15)
+        self.assertGreater(len(set(pictures.values())), 30)
         self.assertEqual(set(re.findall(r'<img src="([^"]+)"', page)), set(pictures))
         self.assertTrue(all(picture.startswith(PICTURE) for picture in pictures.values()))
         steps = re.findall(r"^(\d+)\. ", said, re.MULTILINE)
@@ -57,7 +58,7 @@ class TourTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    REASON = reason_not_to_run() or Thunar.reason_not_to_run()
+    REASON = reason_not_to_run() or Thunar.reason_not_to_run() or reason_not_to_paste()
     if REASON:
         print(f"skipped: {REASON}")
         sys.exit(SKIPPED)

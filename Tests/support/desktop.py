@@ -188,13 +188,20 @@ class Desktop:
 
     def place_window(self, process, left, top, width, height):
         """Gives the one window that a process shows this place and size, its frame not counted."""
-        def shown():
-            found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(process.pid)],
-                                   env=self.environment, check=False, timeout=20, stdout=subprocess.PIPE)
-            return found.stdout.split()
-        window = int(wait_for(shown, f"a window of {process.argv[0]}")[0])
+        window = wait_for(lambda: self.windows_of(process), f"a window of {process.argv[0]}")[0]
         self.send_input("windowsize", window, *self._pixels(width, height),
                       "windowmove", window, *self._pixels(left, top))
+
+    def windows_of(self, process):
+        """What X calls the visible windows of a process, menus included."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(process.pid)],
+                               env=self.environment, check=False, timeout=20, stdout=subprocess.PIPE)
+        return [int(number) for number in found.stdout.split()]
+
+    def window_property(self, window, name):
+        """A property as xprop prints it."""
+        return subprocess.run(["xprop", "-id", str(window), name], env=self.environment, check=True, timeout=20,
+                              stdout=subprocess.PIPE, text=True).stdout
 
     def close_window(self, node):
         """Closes a window by the button in its title bar."""

@@ -1,6 +1,7 @@
 """What a person does with the program, one operation each."""
 
 from accessibility import Table
+from desktop import settled_extents
 from waiting import wait_for
 
 MAIN_WINDOW = "Quillbox"
@@ -188,8 +189,23 @@ class Quillbox:
         rows = sorted(map(self.row_of, names))
         wait_for(lambda: self.table.selected_rows() == rows, f"{names} selected")
 
+    def row_place(self, name):
+        """A point of a row at which to take hold of it."""
+        left, top, _, height = settled_extents(self.table.cell(self.row_of(name), 0))
+        return left + 40, top + height // 2
+
+    def table_place(self):
+        """A point in the lower part of the table."""
+        left, top, width, height = settled_extents(self.table.node)
+        return left + width // 2, top + height - 40
+
     def open_folder(self, name):
         self.desktop.click_row(self.table, self.row_of(name), times=2)
+
+    def open_context_menu(self, name):
+        """Opens what a right click on a row offers; the accessibility bus does not show such menus."""
+        self.desktop.click_at(*self.row_place(name), button=3)
+        wait_for(lambda: len(self.desktop.windows_of(self.program.process)) == 2, "the context menu")
 
     def ask_for_download(self, names):
         """Selects rows and presses Download; returns the folder chooser."""

@@ -11,10 +11,12 @@ import subprocess
 import sys
 
 import namespace
+from clipboard import reason_not_to_paste
 from desktop import REPOSITORY, Desktop, reason_not_to_run
 from filemanager import Thunar
 from look import LOCALES, Look
-from tourwalk import Tour
+from tourstage import Stage
+from tourwalk import walk
 from waiting import Gone
 from words import Words, read_in_english
 
@@ -68,21 +70,21 @@ def remove_earlier(pictures):
 
 def take(chosen, desktop, look):
     """Takes the tour; returns what it stopped at, None when it was complete."""
-    tour = Tour(desktop, chosen.sample, move_in(desktop), chosen.pictures, look)
+    stage = Stage(desktop, chosen.sample, move_in(desktop), chosen.pictures, look)
     try:
-        tour.walk()
+        walk(stage)
     except PROBLEMS as problem:
         failure = chosen.pictures / "failed.png"
         desktop.picture(failure)
-        tour.report.write(problem, failure)
+        stage.report.write(problem, failure)
         return f"The tour stopped: {problem}\n{failure} shows the screen at that moment."
-    print(f"The tour is complete; {tour.report.write()} shows it.")
+    print(f"The tour is complete; {stage.report.write()} shows it.")
     return None
 
 
 def main():
     chosen = arguments()
-    reason = reason_not_to_run() or Thunar.reason_not_to_run()
+    reason = reason_not_to_run() or Thunar.reason_not_to_run() or reason_not_to_paste()
     if reason:
         sys.exit(f"The tour cannot be taken: {reason}")
     namespace.enter()
