@@ -33,14 +33,16 @@ QString StartFolder(const std::string& zFolder) {
     return QFileInfo(folder).isDir() ? folder : QDir::homePath();
 }
 
-/// The toolkit's own sizes cut the dates, which stand in the last column. A chooser of the desktop's own has
-/// no columns here.
-void MakeRoomForDates(QFileDialog& zrDialog) {
+/// The toolkit's own sizes cut the kinds and the dates of files. A chooser of the desktop's own has no
+/// columns here.
+void MakeRoomForColumns(QFileDialog& zrDialog) {
     constexpr int kWidth = 110; // characters
+    constexpr int kKind = 2;
     const int width = zrDialog.fontMetrics().averageCharWidth() * kWidth;
     zrDialog.resize(zrDialog.sizeHint().expandedTo(QSize(width, 0)));
     if (auto* const list = zrDialog.findChild<QTreeView*>(QStringLiteral("treeView")); list != nullptr) {
-        list->header()->setStretchLastSection(true);
+        list->header()->setSectionResizeMode(kKind, QHeaderView::ResizeToContents);
+        list->header()->setStretchLastSection(true); // of the dates
     }
 }
 
@@ -54,7 +56,7 @@ void SetUp(QFileDialog& zrDialog, const sOpenPanelRequest& zrRequest) {
         zrDialog.setNameFilter(NameFilterOf(zrRequest.allowedTypes));
     }
     zrDialog.setDirectory(StartFolder(zrRequest.initialFolder));
-    MakeRoomForDates(zrDialog);
+    MakeRoomForColumns(zrDialog);
 }
 
 } // namespace

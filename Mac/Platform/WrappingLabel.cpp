@@ -26,7 +26,7 @@ WrappingLabel::WrappingLabel(QWidget* zpParent) : QLabel(zpParent) {
 
 int WrappingLabel::heightForWidth(int zWidth) const {
     const QMargins margins = contentsMargins();
-    QTextLayout layout(text(), font());
+    QTextLayout layout(text(), font(), this);
     layout.setTextOption(BreakAnywhere());
     layout.beginLayout();
     qreal height = 0;

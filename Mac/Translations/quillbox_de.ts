@@ -863,7 +863,7 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     </message>
     <message>
         <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files and network addresses may appear.</source>
-        <translation>Fügen Sie sie dort ein, wo Sie um Hilfe bitten. Sie nennen die Versionen und das System, die Sie verwenden, und enthalten die letzten Zeilen des Protokolls, in denen Namen von Geräten und Dateien sowie Netzwerkadressen vorkommen können.</translation>
+        <translation>Fügen Sie sie dort ein, wo Sie um Hilfe bitten. Darin stehen die Versionen und das System, die Sie verwenden, und die letzten Zeilen des Protokolls, in denen Namen von Geräten und Dateien sowie Netzwerkadressen vorkommen können.</translation>
     </message>
     <message>
         <source>The user guide cannot be shown</source>

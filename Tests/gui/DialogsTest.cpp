@@ -5,6 +5,7 @@
 #include "ProgressController.h"
 #include "WaitFor.h"
 #include "WidgetDriver.h"
+#include "WrappingLabel.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtGui/QAccessible>
@@ -300,6 +301,24 @@ TEST_F(OverwritePrompt, ALongPathGetsMoreLinesAndNotAWiderWindow) {
     EXPECT_GT(prompt.height(), small.height() + 3 * prompt.fontMetrics().height());
     const QLabel& label = Control<QLabel>(prompt, "What exists");
     EXPECT_GE(label.height(), label.heightForWidth(label.width()));
+}
+
+/// On a screen of twice as many dots to the inch.
+class DenseLabel : public WrappingLabel {
+protected:
+    int metric(PaintDeviceMetric zMetric) const override {
+        const int value = WrappingLabel::metric(zMetric);
+        return zMetric == PdmDpiX || zMetric == PdmDpiY ? 2 * value : value;
+    }
+};
+
+TEST_F(OverwritePrompt, ItsLinesAreMeasuredForTheScreenTheyAreOn) {
+    WrappingLabel label;
+    DenseLabel dense;
+    for (WrappingLabel* each : {&label, static_cast<WrappingLabel*>(&dense)}) {
+        each->setText(QStringLiteral("Do you want to replace it?"));
+    }
+    EXPECT_GT(dense.heightForWidth(1000), 3 * label.heightForWidth(1000) / 2);
 }
 
 struct sAnswerButton {

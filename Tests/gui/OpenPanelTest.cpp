@@ -2,6 +2,7 @@
 
 #include "Hermetic.h"
 #include "ModalSession.h"
+#include "WaitFor.h"
 #include "WidgetDriver.h"
 
 #include <QtWidgets/QFileDialog>
@@ -91,13 +92,19 @@ TEST_F(OpenPanelTest, ShowsWhatWasAskedFor) {
     });
 }
 
-TEST_F(OpenPanelTest, IsWideEnoughForItsDates) {
+TEST_F(OpenPanelTest, IsWideEnoughForItsColumns) {
     mFolder.Write("a.wav", "x");
     Run(mFiles, [](QFileDialog& zrDialog) {
         const auto* const list = zrDialog.findChild<QTreeView*>(QStringLiteral("treeView"));
         const QHeaderView& header = *list->header();
-        const int date = header.count() - 1;
-        EXPECT_GE(list->columnWidth(date), header.sectionSizeHint(date));
+        EXPECT_TRUE(WaitFor([&] { return list->model()->rowCount(list->rootIndex()) == 1; }));
+        for (const int column : {2, 3}) { // kind and date
+            EXPECT_GE(list->columnWidth(column), header.sectionSizeHint(column)) << column;
+            const QModelIndex cell = list->model()->index(0, column, list->rootIndex());
+            EXPECT_GE(list->columnWidth(column),
+                      list->fontMetrics().horizontalAdvance(cell.data().toString()))
+                << column;
+        }
         EXPECT_LE(header.length(), list->viewport()->width());
         zrDialog.reject();
     });

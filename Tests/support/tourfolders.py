@@ -89,12 +89,12 @@ def transparency(stage):
     slider = stage.quillbox.main.find("Transparency", "slider")
     window = stage.desktop.windows_of(stage.quillbox.program.process)[0]
     stage.desktop.click(slider, 0.4)
-    wait_for(lambda: slider.value < 100, "a window that lets something show through")
+    wait_for(lambda: slider.value < 1, "a window that lets something show through")
     wait_for(lambda: " = " in stage.desktop.window_property(window, "_NET_WM_WINDOW_OPACITY"), "its opacity")
     stage.done("transparency", "Transparency", "The slider lets what is behind the window show through.",
-               [f"{slider.value:g} % opaque, where the desktop can do that"], of=stage.quillbox.main)
+               [f"{slider.value:.0%} opaque, where the desktop can do that"], of=stage.quillbox.main)
     stage.desktop.keys("End")
-    wait_for(lambda: slider.value == 100, "an opaque window")
+    wait_for(lambda: slider.value == 1, "an opaque window")
 
 
 def go_back(stage):
