@@ -254,9 +254,12 @@ void ModalSession::ShowWindow() {
     if (IsStopped()) {
         return;
     }
+    if (&ModalSessionStack::Instance().Top() != this) {
+        mShowTimer.start(kSlice); // a prompt has come up meanwhile, and keeps the keyboard
+        return;
+    }
     mpWindow->show();
-    // A prompt may have come up while this window waited for its delay; it stays in front.
-    ModalSessionStack::Instance().Top().RaiseWindow();
+    RaiseWindow();
 }
 
 void ModalSession::RaiseWindow() {

@@ -19,7 +19,8 @@ class ModalSession {
 public:
     enum class eModalResponse { Continues, Stopped };
 
-    /// Begins the session and shows the window, non-modally, once zShowDelay has passed (0: at once).
+    /// Begins the session and shows the window, non-modally, once zShowDelay has passed (0: at once) and no
+    /// other session is in front of it, from which it would take the keyboard.
     explicit ModalSession(QWidget& zrWindow, std::chrono::milliseconds zShowDelay = {});
     ~ModalSession();
     ModalSession(const ModalSession&) = delete;

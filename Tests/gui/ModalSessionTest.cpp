@@ -130,6 +130,19 @@ TEST_F(ModalSessionTest, ADelayedWindowIsShownWhenItsTimeHasCome) {
     EXPECT_TRUE(WaitFor([&] { return mDialog.isVisible(); }));
 }
 
+TEST_F(ModalSessionTest, ADelayedWindowWaitsForThePromptInFront) {
+    const ModalSession session(mDialog, 10ms);
+    QDialog prompt(&mMain);
+    {
+        const ModalSession inner(prompt);
+        bool timeHasPassed = false;
+        QTimer::singleShot(50, [&] { timeHasPassed = true; });
+        EXPECT_TRUE(WaitFor([&] { return timeHasPassed; }));
+        EXPECT_FALSE(mDialog.isVisible());
+    }
+    EXPECT_TRUE(WaitFor([&] { return mDialog.isVisible(); }));
+}
+
 TEST_F(ModalSessionTest, ADelayedWindowIsNeverShownAfterTheEnd) {
     bool timeHasPassed = false;
     ModalSession session(mDialog, 10ms);
