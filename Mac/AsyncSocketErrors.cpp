@@ -64,7 +64,7 @@ constexpr auto kFailureReasons = std::to_array<FailureReason>({
     {kPosixErrorDomain, EINVAL, QT_TRANSLATE_NOOP("AsyncSocket", "this address cannot be used")},
     {kPosixErrorDomain, EMFILE, QT_TRANSLATE_NOOP("AsyncSocket", "too many files are open")},
     {kPosixErrorDomain, ENFILE, QT_TRANSLATE_NOOP("AsyncSocket", "too many files are open")},
-    {kNetDBErrorDomain, EAI_NONAME, QT_TRANSLATE_NOOP("AsyncSocket", "there is no device of this name")},
+    {kNetDBErrorDomain, EAI_NONAME, QT_TRANSLATE_NOOP("AsyncSocket", "there is no device of this name or address")},
     {kNetDBErrorDomain, EAI_NODATA, QT_TRANSLATE_NOOP("AsyncSocket", "this name has no address")},
     {kNetDBErrorDomain, EAI_AGAIN,
      QT_TRANSLATE_NOOP("AsyncSocket", "names cannot be looked up at the moment")},

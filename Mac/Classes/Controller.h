@@ -158,6 +158,9 @@ public:
 
     void OnUploadButton();
 
+    /// The same for a folder with everything in it.
+    void OnUploadFolder();
+
     /// Uploads local files and folders (full paths) into a device folder, after asking about everything that
     /// is there already in the folder on screen. Returns the error text; "" also when people cancelled.
     std::string UploadFiles(const std::vector<std::string>& zPaths, const std::string& zrDevicePath);
@@ -235,6 +238,7 @@ private:
     void SetEmptyText(const char* zText);
     void OpenFolder(const std::string& zPath);
     void OpenRow(int zRow);
+    void GoOnFrom(const std::string& zName);
     int SelectedFolder() const;
     sTableEntry MakeTableEntry(const cClientProtocol::cDeviceFileInfo& zrInfo) const;
     bool IsShown(const cClientProtocol::cDeviceFileInfo& zrInfo) const;
@@ -275,7 +279,7 @@ private:
                                   const sListingProgress& zProgress, const sDownload& zDownload);
 
     // Upload
-    std::vector<std::string> ChooseUploads(const std::string& zFolder);
+    void UploadChosen(sOpenPanelRequest zRequest);
     void UploadIntoShownFolder(const std::vector<std::string>& zPaths);
     bool DecideUploads(const std::vector<std::string>& zPaths, sUpload& zrUpload);
     int AskForUpload(const std::string& zPath, sUpload& zrUpload);

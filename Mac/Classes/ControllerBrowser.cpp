@@ -160,8 +160,20 @@ void Controller::OnBackButton() {
     if (path.back() == '/' || path.back() == '\\') {
         path.pop_back();
     }
+    const std::string left = GetFileName(path);
     RemoveLastComponent(path);
     SetCurrentDirectory(path);
+    GoOnFrom(left);
+}
+
+/// Makes a row the one that the keyboard goes on from.
+void Controller::GoOnFrom(const std::string& zName) {
+    for (int row = 0; row < numberOfRowsInTableView(); ++row) {
+        if (RecordAt(row)->mName == zName) {
+            tableView->MakeCurrent(row);
+            return;
+        }
+    }
 }
 
 void Controller::OnRefresh() {

@@ -1,6 +1,7 @@
 #include "Controller.h"
 
 #include "Alert.h"
+#include "CommonUtils.h"
 #include "DeviceTableView.h"
 #include "Diagnostics.h"
 #include "Help.h"
@@ -108,6 +109,7 @@ void Controller::OnCopyDiagnostics() {
 
 void Controller::ShowMessage(const std::string& zTitle, const std::string& zMessage) {
     if (!mTerminating) {
+        DebugPrintf("%s: %s\n", zTitle.c_str(), OneLogLine(zMessage).c_str());
         ShowAlert(&mrWindow, Translated(zTitle), zMessage, AlertOk);
     }
 }

@@ -86,10 +86,28 @@ struct Controller::sUpload {
 // --- The button ---
 
 void Controller::OnUploadButton() {
+    UploadChosen(
+        {.title = Filled("Upload files to '%s:/%s'", mDeviceName.c_str(), mCurrentDirList.mDir.c_str()),
+         .allowsMultiple = true});
+}
+
+void Controller::OnUploadFolder() {
+    UploadChosen(
+        {.title = Filled("Upload a folder to '%s:/%s'", mDeviceName.c_str(), mCurrentDirList.mDir.c_str()),
+         .canChooseFiles = false,
+         .canChooseFolders = true});
+}
+
+void Controller::UploadChosen(sOpenPanelRequest zRequest) {
     if (!IsConnected()) {
         return;
     }
-    const std::vector<std::string> paths = ChooseUploads(mCurrentDirList.mDir);
+    if (!mSuperUser) {
+        zRequest.allowedTypes = {"wav", "aif"};
+    }
+    const std::string& recent = GetSettings().RecentUploadPath;
+    zRequest.initialFolder = recent.empty() ? FromWidgetText(QDir::homePath()) : recent;
+    const std::vector<std::string> paths = mrPanel.Run(&mrWindow, zRequest);
     if (paths.empty() || mTerminating) {
         return;
     }
@@ -104,18 +122,6 @@ void Controller::UploadIntoShownFolder(const std::vector<std::string>& zPaths) {
         ShowMessage("Upload failed", error);
     }
     SetCurrentDirectory(folder);
-}
-
-std::vector<std::string> Controller::ChooseUploads(const std::string& zFolder) {
-    sOpenPanelRequest request;
-    request.title = Filled("Upload files to '%s:/%s'", mDeviceName.c_str(), zFolder.c_str());
-    request.allowsMultiple = true;
-    if (!mSuperUser) {
-        request.allowedTypes = {"wav", "aif"};
-    }
-    const std::string& recent = GetSettings().RecentUploadPath;
-    request.initialFolder = recent.empty() ? FromWidgetText(QDir::homePath()) : recent;
-    return mrPanel.Run(&mrWindow, request);
 }
 
 // --- The whole upload ---

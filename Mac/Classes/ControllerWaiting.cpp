@@ -28,6 +28,9 @@ std::string Controller::GetLastError() const {
 
 void Controller::SetStatusText(const std::string& zText) {
     const QString text = ToWidgetText(TranslatedMessage(zText));
+    if (mpStatusText->text() != text) {
+        DebugPrintf("Status: %s\n", OneLogLine(zText).c_str());
+    }
     mpStatusText->setText(text);
     mpStatusText->setAccessibleDescription(text);
     mpStatusText->setCursorPosition(0);

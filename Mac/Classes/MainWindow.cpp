@@ -9,7 +9,11 @@
 #include "ui_MainWindow.h"
 
 #include <QtGui/QCloseEvent>
+#include <QtGui/QScreen>
 #include <QtWidgets/QHeaderView>
+#include <QtWidgets/QStyle>
+
+#include <array>
 
 namespace {
 
@@ -31,6 +35,7 @@ MainWindow::MainWindow()
     mpUi->setupUi(this);
     SetUpTable();
     SetUpIcons();
+    FitScreen();
     // A line of text, not a field: the window shows through.
     QPalette flat = mpUi->statusText->palette();
     flat.setColor(QPalette::Base, Qt::transparent);
@@ -71,12 +76,19 @@ void MainWindow::SetUpIcons() {
     mpUi->deleteButton->setIcon(ThemeIcon("edit-delete"));
     mpUi->uploadButton->setIcon(ThemeIcon("document-send"));
     mpUi->downloadButton->setIcon(ThemeIcon("document-save"));
+    mpUi->uploadFolderAction->setIcon(ThemeIcon("document-send"));
     mpUi->openAction->setIcon(ThemeIcon("folder"));
     mpUi->quitAction->setIcon(ThemeIcon("application-exit"));
     mpUi->refreshAction->setIcon(ThemeIcon("view-refresh"));
     mpUi->userGuideAction->setIcon(ThemeIcon("help-contents"));
     mpUi->copyDiagnosticsAction->setIcon(ThemeIcon("edit-copy"));
     mpUi->aboutAction->setIcon(ThemeIcon("quillbox"));
+}
+
+/// A small screen has to hold the window with its frame.
+void MainWindow::FitScreen() {
+    const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    resize(size().boundedTo(screen()->availableSize() - QSize(0, titleBar)));
 }
 
 void MainWindow::Attach(Controller& zrController) {
@@ -147,15 +159,45 @@ void MainWindow::MakeContextMenu() {
     separator->setSeparator(true);
     mpUi->tableView->setContextMenuPolicy(Qt::ActionsContextMenu);
     mpUi->tableView->addActions({mpUi->openAction, mpUi->downloadAction, mpUi->deleteAction, separator,
-                                 mpUi->uploadAction, mpUi->createFolderAction, mpUi->backAction,
-                                 mpUi->refreshAction, mpUi->connectAction});
+                                 mpUi->uploadAction, mpUi->uploadFolderAction, mpUi->createFolderAction,
+                                 mpUi->backAction, mpUi->refreshAction, mpUi->connectAction});
+}
+
+/// What a click on a heading does, for people without a mouse.
+void MainWindow::ConnectSorting() {
+    const QHeaderView* const header = mpUi->tableView->horizontalHeader();
+    const std::array actions = {mpUi->sortByNameAction, mpUi->sortByTypeAction, mpUi->sortByDateAction};
+    const auto showColumn = [actions](int zColumn) {
+        for (std::size_t column = 0; column < actions.size(); ++column) {
+            actions[column]->setChecked(static_cast<int>(column) == zColumn);
+        }
+    };
+    for (std::size_t column = 0; column < actions.size(); ++column) {
+        connect(actions[column], &QAction::triggered, mpWiring.get(), [this, showColumn, header, column] {
+            mpController->Perform([this, column] { SortBy(static_cast<int>(column)); });
+            showColumn(header->sortIndicatorSection());
+        });
+    }
+    connect(header, &QHeaderView::sortIndicatorChanged, mpWiring.get(), showColumn);
+    showColumn(header->sortIndicatorSection());
+}
+
+/// The same column once more turns the order round.
+void MainWindow::SortBy(int zColumn) {
+    const QHeaderView& header = *mpUi->tableView->horizontalHeader();
+    const bool isUpwards =
+        header.sortIndicatorSection() == zColumn && header.sortIndicatorOrder() == Qt::AscendingOrder;
+    mpUi->tableView->sortByColumn(zColumn, isUpwards ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
 void MainWindow::ConnectMenu() {
+    ConnectSorting();
     // Queued, so that an assistive tool that chooses the entry need not wait for the listing.
     connect(
         mpUi->openAction, &QAction::triggered, mpWiring.get(),
         [this] { mpController->Perform(&Controller::OnOpen); }, Qt::QueuedConnection);
+    connect(mpUi->uploadFolderAction, &QAction::triggered, mpWiring.get(),
+            [this] { mpController->Perform(&Controller::OnUploadFolder); });
     connect(mpUi->refreshAction, &QAction::triggered, mpWiring.get(),
             [this] { mpController->Perform(&Controller::OnRefresh); });
     connect(mpUi->userGuideAction, &QAction::triggered, mpWiring.get(),
@@ -174,7 +216,11 @@ void MainWindow::MirrorButtons(bool zConnected, bool zMayOpen) {
         twin.action->setIcon(twin.button->icon());
         twin.action->setEnabled(twin.button->isEnabled());
     }
-    mpUi->refreshAction->setEnabled(zConnected);
+    for (QAction* action :
+         {mpUi->refreshAction, mpUi->sortByNameAction, mpUi->sortByTypeAction, mpUi->sortByDateAction}) {
+        action->setEnabled(zConnected);
+    }
+    mpUi->uploadFolderAction->setEnabled(mpUi->uploadAction->isEnabled());
     mpUi->openAction->setEnabled(zMayOpen);
 }
 

@@ -63,6 +63,9 @@ private:
     void PerformDrop(const std::function<void()>& zOperation);
     void MakeContextMenu();
     void ConnectMenu();
+    void ConnectSorting();
+    void SortBy(int zColumn);
+    void FitScreen();
 
     std::unique_ptr<Ui::MainWindow> mpUi;
     TableModel* mpModel;

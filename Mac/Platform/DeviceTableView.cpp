@@ -57,8 +57,14 @@ void DeviceTableView::setModel(QAbstractItemModel* zpModel) {
 /// With the keyboard here, people see where it goes on.
 void DeviceTableView::ShowCurrentRow() {
     if (hasFocus() && model()->rowCount() > 0) {
-        selectionModel()->setCurrentIndex(model()->index(0, 0), QItemSelectionModel::NoUpdate);
+        MakeCurrent(0);
     }
+}
+
+void DeviceTableView::MakeCurrent(int zRow) {
+    const QModelIndex index = model()->index(zRow, 0);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+    scrollTo(index);
 }
 
 void DeviceTableView::keyPressEvent(QKeyEvent* zpEvent) {

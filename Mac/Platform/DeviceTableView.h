@@ -24,6 +24,9 @@ public:
     /// The rows that are selected, from the top down.
     std::vector<int> SelectedRows() const;
 
+    /// Brings a row into view as the one that the keyboard goes on from, without selecting it.
+    void MakeCurrent(int zRow);
+
     /// Who is asked about drags; null for nobody, and no drags.
     void SetDataSource(TableDataSource* zpSource) { mpSource = zpSource; }
 

@@ -7,13 +7,13 @@ class QWidget;
 
 /// What the user is asked to choose.
 struct sOpenPanelRequest {
-    std::string title;
+    std::string title = {};
     bool canChooseFiles = true;
     bool canChooseFolders = false; ///< taken only where files cannot be chosen
     bool canCreateFolders = false;
     bool allowsMultiple = false;
-    std::vector<std::string> allowedTypes; ///< extensions without a dot; none: every file
-    std::string initialFolder;
+    std::vector<std::string> allowedTypes = {}; ///< extensions without a dot; none: every file
+    std::string initialFolder = {};
 };
 
 /// Asks the user for local files or folders.

@@ -93,6 +93,7 @@ namespace {
 
     // Upload
     QT_TRANSLATE_NOOP("Quillbox", "Upload files to '%s:/%s'"),
+    QT_TRANSLATE_NOOP("Quillbox", "Upload a folder to '%s:/%s'"),
     QT_TRANSLATE_NOOP("Quillbox", "Uploading files"),
     QT_TRANSLATE_NOOP("Quillbox", "Upload failed"),
     QT_TRANSLATE_NOOP("Quillbox", "File convert failed"),

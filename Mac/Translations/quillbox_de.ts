@@ -82,8 +82,8 @@
         <translation>zu viele Dateien sind geöffnet</translation>
     </message>
     <message>
-        <source>there is no device of this name</source>
-        <translation>es gibt kein Gerät dieses Namens</translation>
+        <source>there is no device of this name or address</source>
+        <translation>es gibt kein Gerät mit diesem Namen oder dieser Adresse</translation>
     </message>
     <message>
         <source>this name has no address</source>
@@ -377,6 +377,26 @@
         <source>Copy &amp;Diagnostics</source>
         <translation>&amp;Diagnosedaten kopieren</translation>
     </message>
+    <message>
+        <source>Upload &amp;Folder</source>
+        <translation>Or&amp;dner hochladen</translation>
+    </message>
+    <message>
+        <source>Ctrl+Shift+U</source>
+        <translation>Ctrl+Shift+U</translation>
+    </message>
+    <message>
+        <source>Sort by &amp;Name</source>
+        <translation>Nach &amp;Name sortieren</translation>
+    </message>
+    <message>
+        <source>Sort by &amp;Type</source>
+        <translation>Nach &amp;Typ sortieren</translation>
+    </message>
+    <message>
+        <source>Sort by &amp;Date Modified</source>
+        <translation>Nach Änderungs&amp;datum sortieren</translation>
+    </message>
 </context>
 <context>
     <name>ProgressView</name>
@@ -598,6 +618,10 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     <message>
         <source>Upload files to &apos;%s:/%s&apos;</source>
         <translation>Dateien nach „%s:/%s“ hochladen</translation>
+    </message>
+    <message>
+        <source>Upload a folder to &apos;%s:/%s&apos;</source>
+        <translation>Einen Ordner nach „%s:/%s“ hochladen</translation>
     </message>
     <message>
         <source>Uploading files</source>

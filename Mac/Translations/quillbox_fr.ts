@@ -82,8 +82,8 @@
         <translation>trop de fichiers sont ouverts</translation>
     </message>
     <message>
-        <source>there is no device of this name</source>
-        <translation>il n’y a pas d’appareil de ce nom</translation>
+        <source>there is no device of this name or address</source>
+        <translation>il n’y a pas d’appareil de ce nom ou à cette adresse</translation>
     </message>
     <message>
         <source>this name has no address</source>
@@ -377,6 +377,26 @@
         <source>Copy &amp;Diagnostics</source>
         <translation>Copier les &amp;diagnostics</translation>
     </message>
+    <message>
+        <source>Upload &amp;Folder</source>
+        <translation>Envoyer un &amp;dossier</translation>
+    </message>
+    <message>
+        <source>Ctrl+Shift+U</source>
+        <translation>Ctrl+Shift+U</translation>
+    </message>
+    <message>
+        <source>Sort by &amp;Name</source>
+        <translation>Trier par &amp;nom</translation>
+    </message>
+    <message>
+        <source>Sort by &amp;Type</source>
+        <translation>Trier par &amp;type</translation>
+    </message>
+    <message>
+        <source>Sort by &amp;Date Modified</source>
+        <translation>Trier par &amp;date de modification</translation>
+    </message>
 </context>
 <context>
     <name>ProgressView</name>
@@ -598,6 +618,10 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
     <message>
         <source>Upload files to &apos;%s:/%s&apos;</source>
         <translation>Envoyer des fichiers vers «&#x202f;%s:/%s&#x202f;»</translation>
+    </message>
+    <message>
+        <source>Upload a folder to &apos;%s:/%s&apos;</source>
+        <translation>Envoyer un dossier vers «&#x202f;%s:/%s&#x202f;»</translation>
     </message>
     <message>
         <source>Uploading files</source>

@@ -133,6 +133,44 @@ TEST_F(Browsing, RowsAreSortedByTypeWithTiesInTheDevicesOrder) {
     EXPECT_TRUE(Table().horizontalHeader()->isSortIndicatorShown());
 }
 
+TEST_F(Browsing, TheMenuSortsLikeAHeaderClick) {
+    for (const char* name : {"b.txt", "a.wav", "c.aif"}) {
+        mDevice.AddFile(name);
+    }
+    Connect();
+    EXPECT_TRUE(MenuEntry("Sort by Type").isChecked());
+    MenuEntry("Sort by Name").trigger();
+    EXPECT_THAT(RowNames(), ElementsAre("a.wav", "b.txt", "c.aif"));
+    EXPECT_TRUE(MenuEntry("Sort by Name").isChecked());
+    EXPECT_FALSE(MenuEntry("Sort by Type").isChecked());
+    MenuEntry("Sort by Name").trigger();
+    EXPECT_THAT(RowNames(), ElementsAre("c.aif", "b.txt", "a.wav"));
+    EXPECT_TRUE(MenuEntry("Sort by Name").isChecked());
+    MenuEntry("Sort by Date Modified").trigger();
+    EXPECT_EQ(Table().horizontalHeader()->sortIndicatorSection(), 2);
+    EXPECT_TRUE(MenuEntry("Sort by Date Modified").isChecked());
+    ClickHeader(1);
+    EXPECT_THAT(RowNames(), ElementsAre("c.aif", "b.txt", "a.wav"));
+    EXPECT_TRUE(MenuEntry("Sort by Type").isChecked());
+    EXPECT_FALSE(MenuEntry("Sort by Date Modified").isChecked());
+}
+
+TEST_F(Browsing, NothingIsSortedWhileSomethingElseRuns) {
+    mDevice.AddFile("b.txt");
+    mDevice.AddFile("a.wav");
+    EXPECT_FALSE(MenuEntry("Sort by Name").isEnabled());
+    Connect();
+    Meanwhile meanwhile;
+    SelectRows({"b.txt"});
+    meanwhile.WhenShown("Delete files", [this](QWidget& zrQuestion) {
+        MenuEntry("Sort by Name").trigger();
+        Click<QPushButton>(zrQuestion, "Cancel");
+    });
+    Press("Delete");
+    EXPECT_THAT(RowNames(), ElementsAre("b.txt", "a.wav"));
+    EXPECT_FALSE(MenuEntry("Sort by Name").isChecked());
+}
+
 TEST_F(Browsing, AHeaderClickSortsAnewAndClearsTheSelection) {
     for (const char* name : {"Delta.wav", "alpha.mp3", "Charlie.wav", "bravo.mp3", "Écho.wav"}) {
         mDevice.AddFile(name);
@@ -249,6 +287,19 @@ TEST_F(Browsing, TheKeyboardStaysVisibleInEveryListing) {
     Button("Upload").setFocus();
     Key(Qt::Key_F5);
     EXPECT_FALSE(Table().currentIndex().isValid()) << "the keyboard is elsewhere";
+}
+
+TEST_F(Browsing, BackGoesOnFromTheFolderThatWasLeft) {
+    for (int number = 10; number < 60; ++number) {
+        mDevice.AddFolder("f" + std::to_string(number));
+    }
+    Connect();
+    DoubleClickRow("f57");
+    EXPECT_EQ(Directory(), "/f57");
+    Press("Back");
+    EXPECT_EQ(Table().currentIndex().data().toString(), QStringLiteral("f57"));
+    EXPECT_TRUE(Table().viewport()->rect().contains(Table().visualRect(Table().currentIndex())));
+    EXPECT_THAT(SelectedNames(), IsEmpty());
 }
 
 TEST_F(Browsing, ReturnInAnEmptyFolderOpensNothing) {

@@ -173,6 +173,16 @@ TEST_F(Diagnostics, EndWithTheLogInWhichFilesHaveNamesButNoContents) {
     EXPECT_THAT(text, Not(HasSubstr("confidential")));
 }
 
+TEST_F(Diagnostics, HoldWhatPeopleWereTold) {
+    ASSERT_TRUE(ConnectTo(mDevice));
+    Meanwhile meanwhile;
+    meanwhile.Answer("No files selected", "OK");
+    mController.OnDownloadButton();
+    EXPECT_THAT(Copied(),
+                AllOf(HasSubstr("\nStatus: Connected to 'Scripted'\n"),
+                      HasSubstr("\nNo files selected: Please select the files you wish to download\n")));
+}
+
 TEST_F(Diagnostics, DoNotNameTheHomeFolder) {
     const std::string home = std::getenv("HOME");
     DebugPrint("Skipped '" + home + "/Music/a.wav': why\n");

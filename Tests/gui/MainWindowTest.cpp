@@ -1,5 +1,6 @@
 #include "WindowFixture.h"
 
+#include <QtGui/QScreen>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
@@ -282,6 +283,13 @@ TEST_F(MainWindowTest, EveryButtonHasAMnemonicOfItsOwn) {
     for (const QKeySequence& mnemonic : mnemonics) {
         EXPECT_EQ(mnemonics.count(mnemonic), 1) << mnemonic.toString().toStdString();
     }
+}
+
+TEST_F(MainWindowTest, FitsOnASmallScreenWithItsFrame) {
+    const QSize screen = mWindow.screen()->availableSize();
+    ASSERT_LT(screen.width(), 860) << "this test needs a screen that is smaller than the window likes";
+    EXPECT_LE(mWindow.width(), screen.width());
+    EXPECT_LT(mWindow.height(), screen.height());
 }
 
 TEST_F(MainWindowTest, TheSliderSetsTheOpacityOfTheWindow) {

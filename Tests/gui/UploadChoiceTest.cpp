@@ -101,6 +101,39 @@ TEST_F(UploadChoice, WithoutAConnectionNothingHappens) {
     EXPECT_EQ(Drop({"a.txt"}), kClosed);
 }
 
+TEST_F(UploadChoice, AFolderGoesWithEverythingInItByKeyAndMenu) {
+    mFolder.Write("tour/1.txt", "one");
+    mFolder.Write("tour/deep/2.txt", "two");
+    mPanel.mAnswer = {mFolder / "tour"};
+    Key(Qt::Key_U, Qt::ControlModifier | Qt::ShiftModifier);
+    const sOpenPanelRequest& request = mPanel.mRequests.front();
+    EXPECT_EQ(request.title, "Upload a folder to 'Scripted:/'");
+    EXPECT_FALSE(request.canChooseFiles);
+    EXPECT_TRUE(request.canChooseFolders);
+    EXPECT_FALSE(request.canCreateFolders);
+    EXPECT_FALSE(request.allowsMultiple);
+    EXPECT_EQ(Received("tour/1.txt"), "one");
+    EXPECT_EQ(Received("tour/deep/2.txt"), "two");
+    EXPECT_EQ(GetSettings().RecentUploadPath, mFolder.Path().string());
+    EXPECT_THAT(RowNames(), ElementsAre("f", "tour"));
+
+    mPanel.mAnswer = {};
+    MenuEntry("Upload Folder").trigger();
+    EXPECT_EQ(mPanel.mRequests.back().initialFolder, mFolder.Path().string());
+    EXPECT_THAT(mAlerts, IsEmpty());
+}
+
+TEST_F(UploadChoice, AFolderCanBeChosenWhereFilesCan) {
+    EXPECT_TRUE(MenuEntry("Upload Folder").isEnabled());
+    mDevice.SetFolderRights("", "--r");
+    Key(Qt::Key_F5);
+    EXPECT_FALSE(MenuEntry("Upload Folder").isEnabled());
+    Press("Disconnect");
+    EXPECT_FALSE(MenuEntry("Upload Folder").isEnabled());
+    mController.OnUploadFolder();
+    EXPECT_THAT(mPanel.mRequests, IsEmpty());
+}
+
 TEST_F(UploadChoice, KeyMenuAndAssistiveToolsUploadAsWell) {
     mPanel.mAnswer = {mFolder / "a.txt"};
     const std::vector<std::function<void()>> ways = {

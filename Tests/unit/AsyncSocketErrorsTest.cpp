@@ -118,7 +118,7 @@ TEST(AsyncSocketErrorsTest, KnownErrorsHaveAReason) {
         EXPECT_NE(MakeErrnoError(code).localizedFailureReason(), std::to_string(code));
     }
     const SocketError unknownName = *MakeStreamError({StreamErrorDomain::kNetDB, EAI_NONAME});
-    EXPECT_EQ(unknownName.localizedFailureReason(), "there is no device of this name");
+    EXPECT_EQ(unknownName.localizedFailureReason(), "there is no device of this name or address");
     EXPECT_EQ(MakeSocketError(kAsyncSocketReadTimeoutError).localizedFailureReason(),
               "the device did not send in time");
 }

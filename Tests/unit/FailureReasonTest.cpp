@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Resolver, FailureReason,
-    ::testing::Values(Resolver("EAI_NONAME", EAI_NONAME, "there is no device of this name"),
+    ::testing::Values(Resolver("EAI_NONAME", EAI_NONAME, "there is no device of this name or address"),
                       Resolver("EAI_NODATA", EAI_NODATA, "this name has no address"),
                       Resolver("EAI_AGAIN", EAI_AGAIN, "names cannot be looked up at the moment"),
                       Resolver("EAI_FAIL", EAI_FAIL, "the name could not be looked up")),
