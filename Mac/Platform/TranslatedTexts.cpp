@@ -151,6 +151,15 @@ namespace {
     QT_TRANSLATE_NOOP("Quillbox", "Non-recoverable failure in name resolution"),
 });
 
+// The toolkit's words for kinds of files in its file chooser. Its French catalogue lacks them; where its
+// catalogue has them, that one counts, for it is asked first.
+[[maybe_unused]] constexpr auto kToolkitTexts = std::to_array<const char*>({
+    QT_TRANSLATE_NOOP("QAbstractFileIconProvider", "Drive"),
+    QT_TRANSLATE_NOOP("QAbstractFileIconProvider", "Folder"),
+    QT_TRANSLATE_NOOP("QAbstractFileIconProvider", "Shortcut"),
+    QT_TRANSLATE_NOOP("QAbstractFileIconProvider", "Unknown"),
+});
+
 constexpr auto kTextsAroundNames = std::to_array<const char*>({
     QT_TRANSLATE_NOOP("Quillbox", "%s too large to download"),
     QT_TRANSLATE_NOOP("Quillbox", "%s - failed to write file"),

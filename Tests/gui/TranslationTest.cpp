@@ -216,6 +216,17 @@ TEST_F(Languages, TheToolkitSpeaksTheSameOneAndNoOther) {
     EXPECT_EQ(cancel({"it"}), "Cancel");
 }
 
+TEST_F(Languages, TheToolkitBorrowsWordsThatItsOwnCatalogueLacks) {
+    const auto folder = [](const QStringList& zLanguages) {
+        const Translation translation(zLanguages);
+        return QCoreApplication::translate("QAbstractFileIconProvider", "Folder", "All other platforms")
+            .toStdString();
+    };
+    EXPECT_EQ(folder({"fr"}), "Dossier");
+    EXPECT_EQ(folder({"de"}), "Verzeichnis");
+    EXPECT_EQ(folder({"it"}), "Folder");
+}
+
 TEST_F(Languages, WithoutATranslationTextsStayWhatTheyAre) {
     const Translation translation(QLocale::c());
     for (const std::string text :
