@@ -78,7 +78,7 @@ void Controller::ShowFailedListing() {
     mShownRights = kRightReadOnly; // nothing is known of the folder
     if (IsConnected()) {
         SetDirectoryText(mCurrentDirList.mDir);
-        SetEmptyText("The folder could not be listed. Press F5 to list this folder.");
+        SetEmptyText("The folder could not be listed. Press F5 to try again.");
     }
 }
 

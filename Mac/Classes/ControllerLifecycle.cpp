@@ -90,7 +90,7 @@ bool Controller::Perform(const std::function<void()>& zOperation) {
 
 void Controller::OnAbout() {
     ShowAbout(&mrWindow, "Quillbox " + FromWidgetText(QCoreApplication::applicationVersion()),
-              Translated("Browses your device on the network and copies files to this computer."));
+              Translated("Browses your device on the network and copies files both ways."));
 }
 
 void Controller::OnUserGuide() {

@@ -25,7 +25,7 @@ namespace {
     //: The type of a file without an extension; only the English one begins with a blank.
     QT_TRANSLATE_NOOP("Quillbox", " file"),
     QT_TRANSLATE_NOOP("Quillbox", "This folder is empty"),
-    QT_TRANSLATE_NOOP("Quillbox", "The folder could not be listed. Press F5 to list this folder."),
+    QT_TRANSLATE_NOOP("Quillbox", "The folder could not be listed. Press F5 to try again."),
     QT_TRANSLATE_NOOP("Quillbox", "Press Connect, then choose your device or type its address.\n"
                                   "The device and this computer must be on the same network."),
     QT_TRANSLATE_NOOP("Quillbox", "Press the 'Connect' button to begin"),
@@ -34,7 +34,7 @@ namespace {
     QT_TRANSLATE_NOOP("Quillbox", "Connection has been closed"),
     QT_TRANSLATE_NOOP("Quillbox", "Waiting for operation to finish"),
     QT_TRANSLATE_NOOP("Quillbox", "Reading Folder Contents"),
-    QT_TRANSLATE_NOOP("Quillbox", "Browses your device on the network and copies files to this computer."),
+    QT_TRANSLATE_NOOP("Quillbox", "Browses your device on the network and copies files both ways."),
     QT_TRANSLATE_NOOP("Quillbox", "Diagnostics copied"),
     QT_TRANSLATE_NOOP(
         "Quillbox",
@@ -150,6 +150,15 @@ namespace {
     QT_TRANSLATE_NOOP("Quillbox", "No address associated with hostname"),
     QT_TRANSLATE_NOOP("Quillbox", "Temporary failure in name resolution"),
     QT_TRANSLATE_NOOP("Quillbox", "Non-recoverable failure in name resolution"),
+});
+
+// The toolkit's words for kinds of files in its file chooser. Its French catalogue lacks them; where its
+// catalogue has them, that one counts, for it is asked first.
+[[maybe_unused]] constexpr auto kToolkitTexts = std::to_array<const char*>({
+    QT_TRANSLATE_NOOP("QAbstractFileIconProvider", "Drive"),
+    QT_TRANSLATE_NOOP("QAbstractFileIconProvider", "Folder"),
+    QT_TRANSLATE_NOOP("QAbstractFileIconProvider", "Shortcut"),
+    QT_TRANSLATE_NOOP("QAbstractFileIconProvider", "Unknown"),
 });
 
 constexpr auto kTextsAroundNames = std::to_array<const char*>({

@@ -43,7 +43,7 @@
     </message>
     <message>
         <source>this computer is not on that network</source>
-        <translation>dieser Computer ist nicht in jenem Netzwerk</translation>
+        <translation>dieser Computer ist nicht in diesem Netzwerk</translation>
     </message>
     <message>
         <source>the network connection is down</source>
@@ -263,7 +263,7 @@
     </message>
     <message>
         <source>Directory</source>
-        <translation>Verzeichnis</translation>
+        <translation>Ordnerpfad</translation>
     </message>
     <message>
         <source>Device folder</source>
@@ -343,7 +343,7 @@
     </message>
     <message>
         <source>Finds devices and connects to one</source>
-        <translation>Sucht Geräte und verbindet mit einem davon</translation>
+        <translation>Sucht Geräte und stellt eine Verbindung zu einem davon her</translation>
     </message>
     <message>
         <source>Goes to the folder above</source>
@@ -366,8 +366,8 @@
         <translation>Kopiert das Ausgewählte auf diesen Computer</translation>
     </message>
     <message>
-        <source>Lets what is behind this window show through</source>
-        <translation>Lässt durchscheinen, was hinter diesem Fenster ist</translation>
+        <source>Lets what is behind this window show through: the further left, the more</source>
+        <translation>Lässt durchscheinen, was hinter diesem Fenster ist: je weiter links, desto mehr</translation>
     </message>
     <message>
         <source>&amp;Open</source>
@@ -426,6 +426,25 @@
     </message>
 </context>
 <context>
+    <name>QAbstractFileIconProvider</name>
+    <message>
+        <source>Drive</source>
+        <translation>Laufwerk</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Shortcut</source>
+        <translation>Verknüpfung</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Unbekannt</translation>
+    </message>
+</context>
+<context>
     <name>Quillbox</name>
     <message>
         <source>%1 of %2</source>
@@ -469,18 +488,18 @@
         <translation>Dieser Ordner ist leer</translation>
     </message>
     <message>
-        <source>The folder could not be listed. Press F5 to list this folder.</source>
+        <source>The folder could not be listed. Press F5 to try again.</source>
         <translation>Der Inhalt des Ordners konnte nicht gelesen werden. F5 liest ihn noch einmal.</translation>
     </message>
     <message>
         <source>Press Connect, then choose your device or type its address.
 The device and this computer must be on the same network.</source>
-        <translation>Auf „Verbinden“ drücken, dann das Gerät auswählen oder seine Adresse eingeben.
+        <translation>Drücken Sie auf „Verbinden“ und wählen Sie dann Ihr Gerät aus oder geben Sie seine Adresse ein.
 Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     </message>
     <message>
         <source>Press the &apos;Connect&apos; button to begin</source>
-        <translation>Zum Beginnen auf „Verbinden“ drücken</translation>
+        <translation>Drücken Sie auf „Verbinden“, um zu beginnen</translation>
     </message>
     <message>
         <source>Searching for &apos;%s&apos;</source>
@@ -503,8 +522,8 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
         <translation>Ordnerinhalt wird gelesen</translation>
     </message>
     <message>
-        <source>Browses your device on the network and copies files to this computer.</source>
-        <translation>Zeigt die Dateien eines Geräts im Netzwerk und kopiert sie auf diesen Computer.</translation>
+        <source>Browses your device on the network and copies files both ways.</source>
+        <translation>Zeigt die Dateien eines Geräts im Netzwerk an und kopiert Dateien in beide Richtungen.</translation>
     </message>
     <message>
         <source>Looking for devices. If yours does not appear, check that it is on the same network, that its file server is on, and that this computer&apos;s firewall lets UDP port 10245 in.</source>
@@ -693,7 +712,7 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     </message>
     <message>
         <source>File already exists</source>
-        <translation>Die Datei ist bereits vorhanden</translation>
+        <translation>Der Name ist bereits vergeben</translation>
     </message>
     <message>
         <source>A file or folder called &apos;%s&apos; already exists.  Please try another name.</source>
@@ -813,11 +832,11 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     </message>
     <message>
         <source>&apos;%s&apos; - couldn&apos;t open as an audio file.</source>
-        <translation>„%s“ – konnte nicht als Audiodatei geöffnet werden.</translation>
+        <translation>„%s“ konnte nicht als Audiodatei geöffnet werden.</translation>
     </message>
     <message>
         <source>&apos;%s&apos; - too many channels.</source>
-        <translation>„%s“ – zu viele Kanäle.</translation>
+        <translation>„%s“ hat zu viele Kanäle.</translation>
     </message>
     <message>
         <source>%s - Couldn&apos;t open file</source>
@@ -871,7 +890,7 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     </message>
     <message>
         <source>Finds devices and connects to one</source>
-        <translation>Sucht Geräte und verbindet mit einem davon</translation>
+        <translation>Sucht Geräte und stellt eine Verbindung zu einem davon her</translation>
     </message>
     <message>
         <source>Ends the connection to the device</source>
@@ -1012,7 +1031,7 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     </message>
     <message>
         <source>Connects to a device of the list</source>
-        <translation>Verbindet mit einem Gerät der Liste</translation>
+        <translation>Verbindet sich mit einem Gerät der Liste</translation>
     </message>
     <message>
         <source>The devices found on the network</source>
@@ -1024,7 +1043,7 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     </message>
     <message>
         <source>Connects to a device whose address you know</source>
-        <translation>Verbindet mit einem Gerät, dessen Adresse Sie kennen</translation>
+        <translation>Verbindet sich mit einem Gerät, dessen Adresse Sie kennen</translation>
     </message>
     <message>
         <source>A number from 0 to 255</source>
@@ -1036,7 +1055,7 @@ Das Gerät und dieser Computer müssen im selben Netzwerk sein.</translation>
     </message>
     <message>
         <source>Connects to the chosen device</source>
-        <translation>Verbindet mit dem gewählten Gerät</translation>
+        <translation>Verbindet sich mit dem gewählten Gerät</translation>
     </message>
     <message>
         <source>Closes this window and changes nothing</source>

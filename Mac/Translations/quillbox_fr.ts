@@ -366,8 +366,8 @@
         <translation>Copie la sélection sur cet ordinateur</translation>
     </message>
     <message>
-        <source>Lets what is behind this window show through</source>
-        <translation>Laisse transparaître ce qui est derrière cette fenêtre</translation>
+        <source>Lets what is behind this window show through: the further left, the more</source>
+        <translation>Laisse transparaître ce qui est derrière cette fenêtre&#xa0;: plus le curseur est à gauche, plus elle est transparente</translation>
     </message>
     <message>
         <source>&amp;Open</source>
@@ -375,7 +375,7 @@
     </message>
     <message>
         <source>Copy &amp;Diagnostics</source>
-        <translation>Copier les &amp;diagnostics</translation>
+        <translation>Copier les informations de &amp;diagnostic</translation>
     </message>
     <message>
         <source>Upload &amp;Folder</source>
@@ -418,11 +418,30 @@
     </message>
     <message>
         <source>How much of it is done</source>
-        <translation>Ce qui est déjà fait</translation>
+        <translation>La part déjà effectuée</translation>
     </message>
     <message>
         <source>Ends the operation</source>
         <translation>Met fin à l’opération</translation>
+    </message>
+</context>
+<context>
+    <name>QAbstractFileIconProvider</name>
+    <message>
+        <source>Drive</source>
+        <translation>Disque</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Dossier</translation>
+    </message>
+    <message>
+        <source>Shortcut</source>
+        <translation>Raccourci</translation>
+    </message>
+    <message>
+        <source>Unknown</source>
+        <translation>Inconnu</translation>
     </message>
 </context>
 <context>
@@ -469,7 +488,7 @@
         <translation>Ce dossier est vide</translation>
     </message>
     <message>
-        <source>The folder could not be listed. Press F5 to list this folder.</source>
+        <source>The folder could not be listed. Press F5 to try again.</source>
         <translation>Le contenu du dossier n’a pas pu être lu. Appuyez sur F5 pour le relire.</translation>
     </message>
     <message>
@@ -503,12 +522,12 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
         <translation>Lecture du contenu du dossier</translation>
     </message>
     <message>
-        <source>Browses your device on the network and copies files to this computer.</source>
-        <translation>Parcourt un appareil sur le réseau et copie ses fichiers sur cet ordinateur.</translation>
+        <source>Browses your device on the network and copies files both ways.</source>
+        <translation>Parcourt un appareil sur le réseau et copie des fichiers dans les deux sens.</translation>
     </message>
     <message>
         <source>Looking for devices. If yours does not appear, check that it is on the same network, that its file server is on, and that this computer&apos;s firewall lets UDP port 10245 in.</source>
-        <translation>Recherche d’appareils. Si le vôtre n’apparaît pas, vérifiez qu’il est sur le même réseau, que son serveur de fichiers est activé et que le pare-feu de cet ordinateur laisse entrer le port UDP 10245.</translation>
+        <translation>Recherche d’appareils. Si le vôtre n’apparaît pas, vérifiez qu’il est sur le même réseau, que son serveur de fichiers est activé et que le pare-feu de cet ordinateur laisse passer le port UDP 10245.</translation>
     </message>
     <message>
         <source>Devices cannot be looked for at the moment. Check the network connection and press Refresh.</source>
@@ -657,15 +676,15 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this folder from &apos;%s:/%s&apos;?  This operation cannot be undone.</source>
-        <translation>Voulez-vous vraiment supprimer ce dossier de «&#x202f;%s:/%s&#x202f;»&#x202f;? Cette opération est irréversible.</translation>
+        <translation>Voulez-vous vraiment supprimer ce dossier dans «&#x202f;%s:/%s&#x202f;»&#x202f;? Cette opération est irréversible.</translation>
     </message>
     <message>
         <source>Are you sure you want to delete this file from &apos;%s:/%s&apos;?  This operation cannot be undone.</source>
-        <translation>Voulez-vous vraiment supprimer ce fichier de «&#x202f;%s:/%s&#x202f;»&#x202f;? Cette opération est irréversible.</translation>
+        <translation>Voulez-vous vraiment supprimer ce fichier dans «&#x202f;%s:/%s&#x202f;»&#x202f;? Cette opération est irréversible.</translation>
     </message>
     <message>
         <source>Are you sure you want to delete %d files from &apos;%s:/%s&apos;?  This operation cannot be undone.</source>
-        <translation>Voulez-vous vraiment supprimer %d fichiers de «&#x202f;%s:/%s&#x202f;»&#x202f;? Cette opération est irréversible.</translation>
+        <translation>Voulez-vous vraiment supprimer %d fichiers dans «&#x202f;%s:/%s&#x202f;»&#x202f;? Cette opération est irréversible.</translation>
     </message>
     <message>
         <source>Deleting files</source>
@@ -693,7 +712,7 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
     </message>
     <message>
         <source>File already exists</source>
-        <translation>Le fichier existe déjà</translation>
+        <translation>Ce nom est déjà pris</translation>
     </message>
     <message>
         <source>A file or folder called &apos;%s&apos; already exists.  Please try another name.</source>
@@ -883,11 +902,11 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
     </message>
     <message>
         <source>Diagnostics copied</source>
-        <translation>Diagnostics copiés</translation>
+        <translation>Informations de diagnostic copiées</translation>
     </message>
     <message>
         <source>Paste them where you ask for help. They say which versions and which system you use, and hold the last lines of the log, in which names of devices and files and network addresses may appear.</source>
-        <translation>Collez-les là où vous demandez de l’aide. Ils indiquent les versions et le système que vous utilisez, et contiennent les dernières lignes du journal, où peuvent figurer des noms d’appareils et de fichiers ainsi que des adresses réseau.</translation>
+        <translation>Collez-les là où vous demandez de l’aide. Elles indiquent les versions et le système que vous utilisez, et contiennent les dernières lignes du journal, où peuvent figurer des noms d’appareils et de fichiers ainsi que des adresses réseau.</translation>
     </message>
     <message>
         <source>The user guide cannot be shown</source>
@@ -895,7 +914,7 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
     </message>
     <message>
         <source>It was not found. Installing Quillbox again brings it back.</source>
-        <translation>Il est introuvable. Il revient quand Quillbox est installé à nouveau.</translation>
+        <translation>Il est introuvable. Réinstallez Quillbox pour le retrouver.</translation>
     </message>
     <message>
         <source>No web browser could be started. The guide is the file &apos;%s&apos;.</source>
@@ -904,22 +923,22 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
     <message numerus="yes">
         <source>about %n seconds left</source>
         <translation>
-            <numerusform>encore environ %n seconde</numerusform>
-            <numerusform>encore environ %n secondes</numerusform>
+            <numerusform>environ %n seconde restante</numerusform>
+            <numerusform>environ %n secondes restantes</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>about %n minutes left</source>
         <translation>
-            <numerusform>encore environ %n minute</numerusform>
-            <numerusform>encore environ %n minutes</numerusform>
+            <numerusform>environ %n minute restante</numerusform>
+            <numerusform>environ %n minutes restantes</numerusform>
         </translation>
     </message>
     <message numerus="yes">
         <source>about %n hours left</source>
         <translation>
-            <numerusform>encore environ %n heure</numerusform>
-            <numerusform>encore environ %n heures</numerusform>
+            <numerusform>environ %n heure restante</numerusform>
+            <numerusform>environ %n heures restantes</numerusform>
         </translation>
     </message>
     <message>
@@ -929,19 +948,19 @@ L’appareil et cet ordinateur doivent être sur le même réseau.</translation>
     </message>
     <message>
         <source>a few seconds left</source>
-        <translation>encore quelques secondes</translation>
+        <translation>quelques secondes restantes</translation>
     </message>
     <message>
         <source>about a minute left</source>
-        <translation>encore environ une minute</translation>
+        <translation>environ une minute restante</translation>
     </message>
     <message>
         <source>about an hour left</source>
-        <translation>encore environ une heure</translation>
+        <translation>environ une heure restante</translation>
     </message>
     <message>
         <source>more than a day left</source>
-        <translation>encore plus d’un jour</translation>
+        <translation>plus d’un jour restant</translation>
     </message>
 </context>
 <context>

@@ -10,7 +10,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr const char* kConnected = "Connected to 'Scripted'";
-constexpr const char* kNotListed = "The folder could not be listed. Press F5 to list this folder.";
+constexpr const char* kNotListed = "The folder could not be listed. Press F5 to try again.";
 
 /// What the window says of the folder on screen, and what it lets people do there.
 class FolderState : public DownloadFixture {

@@ -14,7 +14,7 @@ using ::testing::IsEmpty;
 using Names = std::vector<std::string>;
 
 constexpr const char* kReset = "Connection reset by peer (the device broke the connection off)";
-constexpr const char* kNotListed = "The folder could not be listed. Press F5 to list this folder.";
+constexpr const char* kNotListed = "The folder could not be listed. Press F5 to try again.";
 
 void ClickCancel(QWidget& zrWindow) {
     Click<QPushButton>(zrWindow, "Cancel");

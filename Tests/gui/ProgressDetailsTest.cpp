@@ -83,7 +83,7 @@ TEST(TimeLeft, HasPluralsInGermanAndFrench) {
         EXPECT_EQ(TimeLeftText(3h), "noch etwa 3 Stunden");
     }
     const InLanguage french("fr");
-    EXPECT_EQ(TimeLeftText(2min), "encore environ 2 minutes");
+    EXPECT_EQ(TimeLeftText(2min), "environ 2 minutes restantes");
 }
 
 /// A progress window at a time that the test makes.

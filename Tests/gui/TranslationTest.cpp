@@ -75,10 +75,11 @@ TEST_F(InGerman, TheMainWindowHasGermanWordsAndItsKeys) {
          {"Verbinden", "Zurück", "Ordner erstellen", "Löschen", "Hochladen", "Herunterladen"}) {
         EXPECT_EQ(MenuEntry(name).text(), Button(name).text()) << name;
     }
-    EXPECT_EQ(Status(), "Zum Beginnen auf „Verbinden“ drücken");
+    EXPECT_EQ(Status(), "Drücken Sie auf „Verbinden“, um zu beginnen");
     EXPECT_EQ(MenuEntry("Beenden").shortcut(), QKeySequence("Ctrl+Q"));
     auto& table = Control<DeviceTableView>(mWindow, "Ordner auf dem Gerät");
-    EXPECT_THAT(table.accessibleDescription().toStdString(), StartsWith("Auf „Verbinden“ drücken, dann"));
+    EXPECT_THAT(table.accessibleDescription().toStdString(),
+                StartsWith("Drücken Sie auf „Verbinden“ und wählen Sie dann"));
     EXPECT_EQ(table.model()->headerData(2, Qt::Horizontal).toString().toStdString(), "Änderungsdatum");
 }
 
@@ -213,6 +214,17 @@ TEST_F(Languages, TheToolkitSpeaksTheSameOneAndNoOther) {
     EXPECT_EQ(cancel({"de"}), "Abbrechen");
     EXPECT_EQ(cancel({"fr"}), "Annuler");
     EXPECT_EQ(cancel({"it"}), "Cancel");
+}
+
+TEST_F(Languages, TheToolkitBorrowsWordsThatItsOwnCatalogueLacks) {
+    const auto folder = [](const QStringList& zLanguages) {
+        const Translation translation(zLanguages);
+        return QCoreApplication::translate("QAbstractFileIconProvider", "Folder", "All other platforms")
+            .toStdString();
+    };
+    EXPECT_EQ(folder({"fr"}), "Dossier");
+    EXPECT_EQ(folder({"de"}), "Verzeichnis");
+    EXPECT_EQ(folder({"it"}), "Folder");
 }
 
 TEST_F(Languages, WithoutATranslationTextsStayWhatTheyAre) {

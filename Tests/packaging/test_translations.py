@@ -9,11 +9,15 @@ import re
 import shutil
 import socket
 import subprocess
+import sys
 import tempfile
 import unittest
 import xml.etree.ElementTree as ElementTree
 
 from cpptexts import literals
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+from words import CONVERTER, TOOLKIT_CATALOGUES  # noqa: E402
 
 REPOSITORY = pathlib.Path(__file__).resolve().parents[2]
 CATALOGUES = REPOSITORY / "Mac/Translations"
@@ -21,6 +25,7 @@ VIEWS = REPOSITORY / "Mac/Views"
 LIST = REPOSITORY / "Mac/Platform/TranslatedTexts.cpp"
 ERRORS = REPOSITORY / "Mac/AsyncSocketErrors.cpp"
 LANGUAGES = ("de", "fr")
+KINDS = "QAbstractFileIconProvider"  # the context of what the toolkit calls kinds of files
 
 # Calls whose texts are for the log and for programmers.
 NOT_FOR_PEOPLE = {"AddFact", "AddLine", "DebugPrint", "DebugPrintf", "LogSkipped", "LogFailure", "Require",
@@ -83,6 +88,25 @@ def texts_for_people():
             silent = literal.call in NOT_FOR_PEOPLE or path.name in SILENT_READERS or literal.text in NOT_SHOWN
             if shown and not silent:
                 yield path.name, literal.text
+
+
+def listed_texts():
+    """The texts of the list by their contexts."""
+    found = [literal.text for literal in literals(LIST.read_text(encoding="utf-8"))]
+    listed = collections.defaultdict(set)
+    for context, text in zip(found[::2], found[1::2], strict=True):
+        listed[context].add(text)
+    return listed
+
+
+def toolkit_kinds():
+    """The toolkit's words for kinds of files, all of which its German catalogue knows."""
+    with tempfile.TemporaryDirectory() as folder:
+        readable = pathlib.Path(folder) / "toolkit.ts"
+        subprocess.run([CONVERTER, "-i", TOOLKIT_CATALOGUES / "qtbase_de.qm", "-o", readable], check=True, timeout=20,
+                       stdout=subprocess.DEVNULL)
+        return {message.findtext("source") for context in ElementTree.parse(readable).iter("context")
+                if context.findtext("name") == KINDS for message in context.iter("message")}
 
 
 def system_texts():
@@ -184,12 +208,17 @@ class TranslationsTest(unittest.TestCase):
         self.assertEqual([entry for entry in found if not is_known(entry[1])], [])
 
     def test_every_listed_text_is_in_the_code(self):
-        listed = {literal.text for literal in literals(LIST.read_text(encoding="utf-8"))}
+        listed = listed_texts()["Quillbox"]
         written = {literal.text for room in ("Mac", "Shared") for path in code(room)
                    for literal in literals(path.read_text(encoding="utf-8"))}
         stale = [text for text in listed - written - system_texts()
                  if text.count("%s") != 1 or not {part for part in text.split("%s") if part not in ("", "'")} <= written]
         self.assertEqual(stale, [])
+
+    def test_every_word_lent_to_the_toolkit_is_one_of_its_own(self):
+        listed = listed_texts()
+        self.assertEqual(listed.keys(), {"Quillbox", KINDS})
+        self.assertEqual(listed[KINDS] - toolkit_kinds(), set())
 
     def test_every_text_of_the_system_is_known(self):
         self.assertGreater(len(system_texts()), 15)
