@@ -125,6 +125,13 @@ void MainWindow::Connect(QPushButton* zpButton, QAction* zpAction, tOperation zO
             [this, zOperation] { mpController->Perform(zOperation); });
 }
 
+/// Queued, so that an assistive tool that chooses the entry need not wait for the end of the operation.
+void MainWindow::ConnectEntry(QAction* zpAction, tOperation zOperation) {
+    connect(
+        zpAction, &QAction::triggered, mpWiring.get(),
+        [this, zOperation] { mpController->Perform(zOperation); }, Qt::QueuedConnection);
+}
+
 void MainWindow::ConnectTable() {
     const auto open = [this] { mpController->Perform(&Controller::OnTableViewDoubleClick); };
     connect(mpUi->tableView, &DeviceTableView::doubleClicked, mpWiring.get(), open);
@@ -192,20 +199,12 @@ void MainWindow::SortBy(int zColumn) {
 
 void MainWindow::ConnectMenu() {
     ConnectSorting();
-    // Queued, so that an assistive tool that chooses the entry need not wait for the listing.
-    connect(
-        mpUi->openAction, &QAction::triggered, mpWiring.get(),
-        [this] { mpController->Perform(&Controller::OnOpen); }, Qt::QueuedConnection);
-    connect(mpUi->uploadFolderAction, &QAction::triggered, mpWiring.get(),
-            [this] { mpController->Perform(&Controller::OnUploadFolder); });
-    connect(mpUi->refreshAction, &QAction::triggered, mpWiring.get(),
-            [this] { mpController->Perform(&Controller::OnRefresh); });
-    connect(mpUi->userGuideAction, &QAction::triggered, mpWiring.get(),
-            [this] { mpController->Perform(&Controller::OnUserGuide); });
-    connect(mpUi->copyDiagnosticsAction, &QAction::triggered, mpWiring.get(),
-            [this] { mpController->Perform(&Controller::OnCopyDiagnostics); });
-    connect(mpUi->aboutAction, &QAction::triggered, mpWiring.get(),
-            [this] { mpController->Perform(&Controller::OnAbout); });
+    ConnectEntry(mpUi->openAction, &Controller::OnOpen);
+    ConnectEntry(mpUi->uploadFolderAction, &Controller::OnUploadFolder);
+    ConnectEntry(mpUi->refreshAction, &Controller::OnRefresh);
+    ConnectEntry(mpUi->userGuideAction, &Controller::OnUserGuide);
+    ConnectEntry(mpUi->copyDiagnosticsAction, &Controller::OnCopyDiagnostics);
+    ConnectEntry(mpUi->aboutAction, &Controller::OnAbout);
     connect(mpUi->quitAction, &QAction::triggered, mpWiring.get(),
             [this] { mpController->applicationShouldTerminate(); });
 }

@@ -59,6 +59,7 @@ private:
     void SetUpTable();
     void SetUpIcons();
     void Connect(QPushButton* zpButton, QAction* zpAction, tOperation zOperation);
+    void ConnectEntry(QAction* zpAction, tOperation zOperation);
     void ConnectTable();
     void PerformDrop(const std::function<void()>& zOperation);
     void MakeContextMenu();

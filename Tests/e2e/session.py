@@ -4,9 +4,11 @@ import os
 
 import case
 import lancase
+from waiting import wait_for
 
 DEVICE = "Songs box"
 TOP = f"Upload files to '{DEVICE}:/'"
+FOLDER_TO_TOP = f"Upload a folder to '{DEVICE}:/'"
 
 
 class SessionCase(lancase.LanCase):
@@ -14,7 +16,8 @@ class SessionCase(lancase.LanCase):
         super().setUp()
         self.files = {"notes.txt": b"notes", "song.wav": os.urandom(200_000), "Old/readme.txt": b"read me",
                       "Music/intro.wav": os.urandom(30_001), "Music/Live/solo.wav": os.urandom(300_000)}
-        self.local_files = {"report.txt": b"report", "data.bin": os.urandom(100_000), "other.txt": b"stays here"}
+        self.local_files = {"report.txt": b"report", "data.bin": os.urandom(100_000), "other.txt": b"stays here",
+                            "Tour/dates.txt": b"dates", "Tour/Late/more.txt": b"more dates"}
         _, _, self.served = self.serve_folder_on_lan(DEVICE, self.files)
         self.serve_on_lan("Other box", {"wrong.txt": b"wrong"})
         self.local = self.desktop.folder("local")
@@ -23,15 +26,16 @@ class SessionCase(lancase.LanCase):
 
     def walk(self, user):
         """Has the user go through the session, and compares the files of both sides when it is over."""
-        for step in (self.connect, self.browse, self.download, self.replace, self.upload, self.create_folder,
-                     self.delete, self.leave):
+        for step in (self.connect, self.browse, self.sort, self.download, self.replace, self.upload,
+                     self.upload_folder, self.create_folder, self.delete, self.leave):
             step(user)
         self.assert_same_files(self.target, {"notes.txt": self.files["notes.txt"]} | self.below("song.wav", "Music/"))
         self.assert_same_files(self.local, self.local_files)
         sent = {name: self.local_files[name] for name in ("report.txt", "data.bin")}
+        sent |= {name: content for name, content in self.local_files.items() if name.startswith("Tour/")}
         self.assert_same_files(self.served, self.below("song.wav", "Music/") | sent)
         self.assertEqual(sorted(path.name for path in self.served.iterdir()),
-                         ["Music", "Rehearsals", "data.bin", "report.txt", "song.wav"])
+                         ["Music", "Rehearsals", "Tour", "data.bin", "report.txt", "song.wav"])
 
     def below(self, *starts):
         return {path: content for path, content in self.files.items() if path.startswith(starts)}
@@ -50,6 +54,11 @@ class SessionCase(lancase.LanCase):
         user.back()
         self.expect("/", case.top_names(self.files))
 
+    def sort(self, user):
+        for names in (["Music", "notes.txt", "Old", "song.wav"], ["song.wav", "Old", "notes.txt", "Music"]):
+            user.sort("Name")
+            wait_for(lambda: self.quillbox.names() == names, lambda: f"{names}, not {self.quillbox.names()}")
+
     def download(self, user):
         user.download(["notes.txt", "song.wav"], self.target)
         self.quillbox.wait_for_end_of_transfer()
@@ -66,13 +75,17 @@ class SessionCase(lancase.LanCase):
         user.upload(self.local, ["report.txt", "data.bin"], TOP)
         self.expect("/", case.top_names(self.files) + ["data.bin", "report.txt"])
 
+    def upload_folder(self, user):
+        user.upload_folder(self.local / "Tour", FOLDER_TO_TOP)
+        self.expect("/", case.top_names(self.files) + ["data.bin", "report.txt", "Tour"])
+
     def create_folder(self, user):
         user.create_folder("Rehearsals")
-        self.expect("/", case.top_names(self.files) + ["data.bin", "report.txt", "Rehearsals"])
+        self.expect("/", case.top_names(self.files) + ["data.bin", "report.txt", "Tour", "Rehearsals"])
 
     def delete(self, user):
         user.delete("Old", "notes.txt")
-        self.expect("/", ["Music", "Rehearsals", "data.bin", "report.txt", "song.wav"])
+        self.expect("/", ["Music", "Rehearsals", "Tour", "data.bin", "report.txt", "song.wav"])
 
     def leave(self, user):
         user.disconnect()

@@ -139,14 +139,14 @@ TEST_F(Browsing, TheMenuSortsLikeAHeaderClick) {
     }
     Connect();
     EXPECT_TRUE(MenuEntry("Sort by Type").isChecked());
-    MenuEntry("Sort by Name").trigger();
+    Choose("Sort by Name");
     EXPECT_THAT(RowNames(), ElementsAre("a.wav", "b.txt", "c.aif"));
     EXPECT_TRUE(MenuEntry("Sort by Name").isChecked());
     EXPECT_FALSE(MenuEntry("Sort by Type").isChecked());
-    MenuEntry("Sort by Name").trigger();
+    Choose("Sort by Name");
     EXPECT_THAT(RowNames(), ElementsAre("c.aif", "b.txt", "a.wav"));
     EXPECT_TRUE(MenuEntry("Sort by Name").isChecked());
-    MenuEntry("Sort by Date Modified").trigger();
+    Choose("Sort by Date Modified");
     EXPECT_EQ(Table().horizontalHeader()->sortIndicatorSection(), 2);
     EXPECT_TRUE(MenuEntry("Sort by Date Modified").isChecked());
     ClickHeader(1);
@@ -163,7 +163,7 @@ TEST_F(Browsing, NothingIsSortedWhileSomethingElseRuns) {
     Meanwhile meanwhile;
     SelectRows({"b.txt"});
     meanwhile.WhenShown("Delete files", [this](QWidget& zrQuestion) {
-        MenuEntry("Sort by Name").trigger();
+        Choose("Sort by Name");
         Click<QPushButton>(zrQuestion, "Cancel");
     });
     Press("Delete");

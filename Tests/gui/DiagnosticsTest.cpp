@@ -57,11 +57,12 @@ protected:
             Click<QPushButton>(zrNote, "OK");
         });
         zChoose();
+        RunLoopPasses(1);
         return said;
     }
 
     std::string Copied() {
-        Copy([this] { MenuEntry("Copy Diagnostics").trigger(); });
+        Copy([this] { Choose("Copy Diagnostics"); });
         return ClipboardText();
     }
 };
@@ -69,7 +70,7 @@ protected:
 // --- The menu entry ---
 
 TEST_F(Diagnostics, AreCopiedByMenuAndANoteSaysSo) {
-    EXPECT_THAT(Copy([this] { MenuEntry("Copy Diagnostics").trigger(); }),
+    EXPECT_THAT(Copy([this] { Choose("Copy Diagnostics"); }),
                 AllOf(HasSubstr("Paste them"),
                       HasSubstr("names of devices and files and network addresses may appear")));
     EXPECT_THAT(ClipboardText(), HasSubstr("Qt: "));
@@ -116,7 +117,7 @@ TEST_F(Diagnostics, AreNotCopiedWhileSomethingElseRuns) {
     mDevice.Hold();
     Meanwhile meanwhile;
     meanwhile.WhenShown(kReading, [this](QWidget& /*zrProgress*/) {
-        MenuEntry("Copy Diagnostics").trigger();
+        Choose("Copy Diagnostics");
         mDevice.Release();
     });
     Key(Qt::Key_F5);

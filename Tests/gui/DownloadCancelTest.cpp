@@ -204,9 +204,9 @@ TEST_F(DownloadCancel, NothingElseBeginsWhileADownloadRuns) {
         Key(Qt::Key_D, Qt::ControlModifier);
         QTest::keyClick(&Table(), Qt::Key_Backspace);
         QTest::keyClick(&Table(), Qt::Key_Return);
-        MenuEntry("Refresh").trigger();
-        MenuEntry("Download").trigger();
-        MenuEntry("Disconnect").trigger();
+        Choose("Refresh");
+        Choose("Download");
+        Choose("Disconnect");
         SendRest("f/2.wav");
     });
     EXPECT_THAT(mDevice.Commands(),
@@ -225,7 +225,7 @@ TEST_F(DownloadCancel, NothingElseBeginsWhileTheChooserIsUp) {
             Press(button);
             PressByAssistiveTool(button);
         }
-        MenuEntry("Refresh").trigger();
+        Choose("Refresh");
         DoubleClickRow("f");
     };
     mPanel.mAnswer.clear();

@@ -117,7 +117,7 @@ TEST_F(DownloadChoice, AConnectionLostWhilePeopleChooseIsReported) {
 TEST_F(DownloadChoice, KeyMenuAndAssistiveToolsDownloadAsWell) {
     const std::vector<std::function<void()>> ways = {
         [this] { Key(Qt::Key_D, Qt::ControlModifier); },
-        [this] { MenuEntry("Download").trigger(); },
+        [this] { Choose("Download"); },
         [this] { PressByAssistiveTool("Download"); },
     };
     for (const auto& way : ways) {

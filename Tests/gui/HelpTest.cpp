@@ -20,7 +20,7 @@ TEST_F(Help, ConnectAndTheUserGuideHaveTheirKeysInTheMenu) {
 TEST_F(Help, TheUserGuideOpensByKeyAndMenu) {
     const Browser browser;
     Key(Qt::Key_F1);
-    MenuEntry("User Guide").trigger();
+    Choose("User Guide");
     ASSERT_EQ(browser.Opened().size(), 2);
     for (const QUrl& url : browser.Opened()) {
         EXPECT_TRUE(url.path().endsWith(QLatin1String("/doc/quillbox/user-guide.html")))
@@ -57,7 +57,7 @@ TEST_F(Help, TheUserGuideStaysShutWhileSomethingElseRuns) {
         for (QWidget* widget : {&zrProgress, static_cast<QWidget*>(&mWindow)}) {
             QTest::keyClick(widget, Qt::Key_F1);
         }
-        MenuEntry("User Guide").trigger();
+        Choose("User Guide");
         mDevice.Release();
     });
     Key(Qt::Key_F5);

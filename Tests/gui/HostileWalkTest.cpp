@@ -207,7 +207,7 @@ void HostileWalk::Act() {
     case 2:
         return Press("Back");
     case 3:
-        return MenuEntry("Refresh").trigger();
+        return Choose("Refresh");
     case 4:
         return UploadSomething();
     case 5:

@@ -212,7 +212,7 @@ TEST_F(MainWindowTest, ConnectGoesByMouseMnemonicShortcutMenuAndAssistiveTools) 
         [&] { Press("Connect"); },
         [&] { Key(Qt::Key_C, Qt::AltModifier); },
         [&] { Key(Qt::Key_K, Qt::ControlModifier); },
-        [&] { MenuEntry("Connect").trigger(); },
+        [&] { Choose("Connect"); },
         [&] { PressAccessibly("Connect"); },
     };
     for (std::size_t way = 0; way < ways.size(); ++way) {
@@ -328,7 +328,7 @@ TEST_F(MainWindowTest, AboutNamesTheProgram) {
         EXPECT_FALSE(zrAbout.isModal());
         Click<QPushButton>(zrAbout, "OK");
     });
-    MenuEntry("About Quillbox").trigger();
+    Choose("About Quillbox");
     EXPECT_EQ(WindowInFront("Quillbox 9.8.7"), nullptr);
 }
 

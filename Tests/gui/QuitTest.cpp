@@ -40,7 +40,7 @@ public:
     using WindowFixture::Key;
     using WindowFixture::kReading;
     using WindowFixture::mDevice;
-    using WindowFixture::MenuEntry;
+    using WindowFixture::Choose;
     using WindowFixture::mWindow;
     using WindowFixture::Press;
 
@@ -131,7 +131,7 @@ const std::array<sSituation, 11> kSituations = {{
      [](Quitting& zrTest, const std::function<void()>& zQuit) {
          QCoreApplication::setApplicationVersion(QStringLiteral("9.8.7"));
          zrTest.mMeanwhile.WhenShown("Quillbox 9.8.7", [=](QWidget&) { zQuit(); });
-         zrTest.MenuEntry("About Quillbox").trigger();
+         zrTest.Choose("About Quillbox");
      }},
 }};
 

@@ -287,7 +287,7 @@ TEST_F(IconsOfWindows, AlertsShowTheirKindAndAboutTheProgram) {
         return AlertPicture("Title", [&] { ShowAlert(&mWindow, "Title", "Message", zKind); });
     };
     QCoreApplication::setApplicationVersion(QStringLiteral("9.8.7"));
-    const QImage about = AlertPicture("Quillbox 9.8.7", [this] { MenuEntry("About Quillbox").trigger(); });
+    const QImage about = AlertPicture("Quillbox 9.8.7", [this] { Choose("About Quillbox"); });
     EXPECT_EQ(alert(AlertYesNo), alert(AlertOkCancel));
     EXPECT_NE(alert(AlertOk), alert(AlertYesNo));
     EXPECT_NE(alert(AlertOk), about);

@@ -151,7 +151,7 @@ TEST_F(InGerman, TheNoteAboutDiagnosticsIsGermanAndTheyAreNot) {
                     StartsWith("Fügen Sie sie dort ein, wo Sie um Hilfe bitten."));
         Click<QPushButton>(zrNote, "OK");
     });
-    MenuEntry("Diagnosedaten kopieren").trigger();
+    Choose("Diagnosedaten kopieren");
     EXPECT_THAT(QApplication::clipboard()->text().toStdString(), HasSubstr("The last lines of the log:"));
 }
 

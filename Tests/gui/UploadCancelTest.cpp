@@ -152,8 +152,8 @@ TEST_F(UploadCancel, NothingElseCanBeStartedMeanwhile) {
     Meanwhile meanwhile;
     UploadFiles(meanwhile, [this] {
         const std::size_t requests = mPanel.mRequests.size();
-        MenuEntry("Upload").trigger();
-        MenuEntry("Disconnect").trigger();
+        Choose("Upload");
+        Choose("Disconnect");
         EXPECT_EQ(mPanel.mRequests.size(), requests);
         EXPECT_EQ(Drop({"1.txt"}), "Waiting for operation to finish");
         EXPECT_TRUE(mController.IsConnected());

@@ -118,7 +118,7 @@ TEST_F(UploadChoice, AFolderGoesWithEverythingInItByKeyAndMenu) {
     EXPECT_THAT(RowNames(), ElementsAre("f", "tour"));
 
     mPanel.mAnswer = {};
-    MenuEntry("Upload Folder").trigger();
+    Choose("Upload Folder");
     EXPECT_EQ(mPanel.mRequests.back().initialFolder, mFolder.Path().string());
     EXPECT_THAT(mAlerts, IsEmpty());
 }
@@ -138,7 +138,7 @@ TEST_F(UploadChoice, KeyMenuAndAssistiveToolsUploadAsWell) {
     mPanel.mAnswer = {mFolder / "a.txt"};
     const std::vector<std::function<void()>> ways = {
         [this] { Key(Qt::Key_U, Qt::ControlModifier); },
-        [this] { MenuEntry("Upload").trigger(); },
+        [this] { Choose("Upload"); },
         [this] { PressByAssistiveTool("Upload"); },
     };
     for (const auto& way : ways) {

@@ -200,9 +200,9 @@ TEST_F(Waiting, AnyOtherActionIsRefusedWhileAListingRuns) {
             QTest::keyClick(&Table(), key);
         }
         QTest::keyClick(&mWindow, Qt::Key_K, Qt::ControlModifier);
-        MenuEntry("Disconnect").trigger();
-        MenuEntry("Refresh").trigger();
-        MenuEntry("About Quillbox").trigger(); // were it not refused, nobody would answer the box
+        Choose("Disconnect");
+        Choose("Refresh");
+        Choose("About Quillbox"); // were it not refused, nobody would answer the box
         PressAccessibly("Disconnect");
     });
     meanwhile.When(

@@ -111,6 +111,12 @@ void WindowFixture::Key(Qt::Key zKey, Qt::KeyboardModifiers zModifiers) {
     }
     QWidget* focus = QApplication::focusWidget();
     QTest::keyClick(focus != nullptr ? focus : &mWindow, zKey, zModifiers);
+    RunLoopPasses(1); // where menu entries act
+}
+
+void WindowFixture::Choose(const char* zEntry) {
+    MenuEntry(zEntry).trigger();
+    RunLoopPasses(1);
 }
 
 QRect WindowFixture::RowRect(const std::string& zName) {

@@ -75,6 +75,9 @@ protected:
     /// The same through assistive tools.
     void PressAccessibly(const char* zButton);
 
+    /// Chooses an entry of the menu bar.
+    void Choose(const char* zEntry);
+
     /// Presses a key in the widget that has the keyboard, shortcuts included.
     void Key(Qt::Key zKey, Qt::KeyboardModifiers zModifiers = Qt::NoModifier);
 

@@ -37,6 +37,13 @@ class AssistiveTool:
     def upload(self, folder, names, title):
         self.quillbox.choose_files(self.quillbox.ask_for_upload(title), folder, names)
 
+    def upload_folder(self, folder, title):
+        self.choose("File", "Upload Folder")
+        self.quillbox.choose_destination(self.quillbox.window(title), folder)
+
+    def sort(self, column):
+        self.choose("View", f"Sort by {column}")
+
     def replace_all(self, title):
         self.quillbox.press_in(title, "Yes to all")
 

@@ -57,6 +57,15 @@ class KeyboardUser:
         self.fill_in(chooser.find("File name:", "text"), " ".join(f'"{folder / name}"' for name in names))
         self.press("Return")
 
+    def upload_folder(self, folder, title):
+        self.press("ctrl+shift+u")
+        chooser = self.window(title)
+        self.fill_in(chooser.find("Directory:", "text"), str(folder))
+        self.press("Return")
+
+    def sort(self, column):
+        self.press("alt+v", column[0].lower())
+
     def replace_all(self, title):
         self.window(title)
         self.press("alt+a")

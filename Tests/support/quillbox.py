@@ -216,7 +216,7 @@ class Quillbox:
     def choose_destination(self, chooser, destination):
         fill_in(chooser.find("Directory:", "text"), str(destination))
         chooser.find("Choose", "push button").press()
-        self.program.wait_until_closed(DESTINATION_DIALOG)
+        self.program.wait_until_closed(chooser.name)
 
     def start_download(self, names, destination):
         self.choose_destination(self.ask_for_download(names), destination)

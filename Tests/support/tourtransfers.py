@@ -6,6 +6,8 @@ from waiting import wait_for
 
 UPLOAD_TITLE = f"Upload files to '{DEVICE_NAME}:/'"
 SOUNDS_ON_DEVICE = {"Harbour.wav": "Harbour.aiff", LONG_SOUND: LONG_SOUND}
+FOLDER_TITLE = f"Upload a folder to '{DEVICE_NAME}:/'"
+LYRICS = {"Lyrics/Harvest.txt": "The barley bends.\n", "Lyrics/Drafts/Harvest.txt": "The barley stands.\n"}
 NEW_TEXT = {TEXT_FILE: "This text has come from the computer.\n"}
 
 
@@ -87,6 +89,19 @@ def upload_question(stage):
     prompt.find("Yes", "push button").press()
     stage.quillbox.wait_for_end_of_transfer()
     check((stage.served / TEXT_FILE).read_text() == NEW_TEXT[TEXT_FILE], f"'{TEXT_FILE}' has been replaced")
+
+
+def upload_folder(stage):
+    write_texts(stage.home, LYRICS)
+    stage.wait_for_keyboard()
+    stage.desktop.keys("ctrl+shift+u")
+    chooser = stage.quillbox.window(FOLDER_TITLE)
+    stage.done("folder", "Choose a folder to upload", "Upload Folder in the File menu sends one with everything in it.",
+               of=chooser)
+    stage.quillbox.choose_destination(chooser, stage.home / "Lyrics")
+    stage.quillbox.wait_for_listing("/", {*names_in(stage.served), "Lyrics"})
+    arrived = {path: (stage.served / path).read_text() for path in LYRICS}
+    check(arrived == LYRICS, f"{sorted(arrived)} are on the device")
 
 
 def music(stage):
