@@ -243,6 +243,7 @@ private:
     sTableEntry MakeTableEntry(const cClientProtocol::cDeviceFileInfo& zrInfo) const;
     bool IsShown(const cClientProtocol::cDeviceFileInfo& zrInfo) const;
     const cClientProtocol::cDeviceFileInfo* RecordAt(int zRow) const;
+    void SetEnabled(QWidget& zrControl, bool zEnabled);
     void UpdateConnectedControls();
     void UpdateDisconnectedControls();
 

@@ -247,11 +247,8 @@ void Controller::UpdateControls() {
             connected ? "Ends the connection to the device" : "Finds devices and connects to one")));
         mpConnectButton->setIcon(ThemeIcon(connected ? "network-disconnect" : "network-connect"));
     }
-    mpDirectoryText->setEnabled(connected);
-    if (!connected && mrWindow.focusWidget() == tableView) {
-        mpConnectButton->setFocus(); // which the keyboard goes on with
-    }
-    tableView->setEnabled(connected);
+    SetEnabled(*tableView, connected); // first: it takes the keyboard of what is disabled below
+    SetEnabled(*mpDirectoryText, connected);
     if (connected) {
         UpdateConnectedControls();
     } else {
@@ -260,23 +257,32 @@ void Controller::UpdateControls() {
     mrWindow.MirrorButtons(connected, connected && SelectedFolder() >= 0);
 }
 
+/// Left alone, the keyboard would go on to whatever comes next, and Space would press that.
+void Controller::SetEnabled(QWidget& zrControl, bool zEnabled) {
+    if (!zEnabled && mrWindow.focusWidget() == &zrControl) {
+        QWidget* heir = IsConnected() ? static_cast<QWidget*>(tableView) : mpConnectButton;
+        heir->setFocus(); // within the window, which need not be the one in front
+    }
+    zrControl.setEnabled(zEnabled);
+}
+
 void Controller::UpdateConnectedControls() {
     const std::vector<int> rows = tableView->SelectedRows();
     const bool allDeletable = std::all_of(rows.begin(), rows.end(), [this](int row) {
         const auto* info = RecordAt(row);
         return info != nullptr && (info->mRights & kRightDelete) != 0;
     });
-    mpCreateFolderButton->setEnabled((mShownRights & kRightCreate) != 0);
-    mpUploadButton->setEnabled((mShownRights & kRightReadOnly) == 0);
-    mpDeleteButton->setEnabled(!rows.empty() && allDeletable);
-    mpDownloadButton->setEnabled(!rows.empty());
-    mpBackButton->setEnabled(!mCurrentDirList.mDir.empty());
+    SetEnabled(*mpCreateFolderButton, (mShownRights & kRightCreate) != 0);
+    SetEnabled(*mpUploadButton, (mShownRights & kRightReadOnly) == 0);
+    SetEnabled(*mpDeleteButton, !rows.empty() && allDeletable);
+    SetEnabled(*mpDownloadButton, !rows.empty());
+    SetEnabled(*mpBackButton, !mCurrentDirList.mDir.empty());
 }
 
 void Controller::UpdateDisconnectedControls() {
     for (QPushButton* button :
          {mpCreateFolderButton, mpDeleteButton, mpUploadButton, mpDownloadButton, mpBackButton}) {
-        button->setEnabled(false);
+        SetEnabled(*button, false);
     }
     SetDirectoryText("");
     SetEmptyText("Press Connect, then choose your device or type its address.\n"

@@ -36,9 +36,7 @@ void Controller::OnConnectButton() {
     } else if (ChooseDevice()) {
         mSuperUser = true;
         mFileTypes = std::string(1, '*');
-        if (ConnectDevice()) {
-            tableView->setFocus(); // the arrow keys and Return go on from here
-        }
+        ConnectDevice();
     }
     UpdateControls();
 }
@@ -139,6 +137,7 @@ void Controller::GreetDevice() {
     mDeviceName = mpSocket->HasDeviceName() ? mpSocket->GetDeviceName() : mIPAddressStr;
     ShowConnected();
     UpdateControls();
+    tableView->setFocus(); // the arrow keys and Return go on from here
 }
 
 void Controller::ShowConnected() {

@@ -12,7 +12,7 @@
 
 #include <algorithm>
 
-DeviceTableView::DeviceTableView(QWidget* zpParent) : QTableView(zpParent) {
+DeviceTableView::DeviceTableView(QWidget* zpParent) : FocusFramed(zpParent) {
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -77,7 +77,7 @@ void DeviceTableView::keyPressEvent(QKeyEvent* zpEvent) {
 }
 
 void DeviceTableView::paintEvent(QPaintEvent* zpEvent) {
-    QTableView::paintEvent(zpEvent);
+    FocusFramed::paintEvent(zpEvent);
     if (mPlaceholder.isEmpty() || (model() != nullptr && model()->rowCount() > 0)) {
         return;
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FocusFrame.h"
+
 #include <QtWidgets/QTableView>
 
 #include <string>
@@ -10,7 +12,7 @@ class TableDataSource;
 /// A table of rows that says in grey what to do while it has none, and that tells apart opening a row
 /// (Return) from walking through the rows. It takes local files from other programs, anywhere, and hands
 /// drags of its rows to its data source.
-class DeviceTableView : public QTableView {
+class DeviceTableView : public FocusFramed<QTableView> {
     Q_OBJECT
 
 public:

@@ -6,6 +6,7 @@ import case
 from accessibility import VALUE
 from device import ScriptedDevice
 from keyboard import KeyboardUser
+from look import Look, contrast
 from waiting import wait_for
 
 FILES = {"song.wav": b"song", "notes.txt": b"notes", "Music/live.wav": b"live"}
@@ -19,6 +20,7 @@ PROGRESS = {"Progress": "progress bar", "Current item": "label", "Details": "lab
 PROMPT = {"What exists": "label", "Question": "label", "Yes": "push button", "Yes to all": "push button",
           "No": "push button", "Cancel": "push button"}
 NEW_FOLDER = {"Folder name": "text", "OK": "push button", "Cancel": "push button"}
+LEAST_CONTRAST = 3.0  # of drawings, by the guidelines for accessible content
 ALERT = {"OK": "push button", "Cancel": "push button"}
 
 
@@ -192,6 +194,18 @@ class VisibleFocusTest(WindowsCase):
             self.wait_for_look(following, lambda look: look == before[following])
             user.press("Tab")
 
+    def check_contrast(self, window, node):
+        """What shows that the keyboard is on a control differs by as much as people need to see it."""
+        user = KeyboardUser(self.quillbox)
+        user.wait_for_keyboard(window)
+        self.desktop.move_pointer(1, 1)
+        user.wait_for_focus(node)
+        focused = self.settled_look(node)
+        user.press("Tab")
+        self.wait_for_look(node, lambda look: look != focused)
+        changes = set(zip(colours(focused), colours(self.settled_look(node))))
+        self.assertGreaterEqual(max(contrast(*change) for change in changes), LEAST_CONTRAST)
+
     def look_without_focus(self, user, stops):
         """The look of the first stop while the focus is on the second."""
         user.press("Tab")
@@ -227,8 +241,39 @@ class VisibleFocusTest(WindowsCase):
         wait_for(lambda: user.current_row(quillbox.table) == 0, "the keyboard at the first row")
         self.assertEqual(quillbox.table.selected_rows(), [])
 
+    def test_first_row_stands_out(self):
+        quillbox, _ = self.connect(FILES)
+        self.check_contrast(quillbox.main, quillbox.table.node)
+
+    def test_empty_folder(self):
+        quillbox = self.open_empty_folder()
+        self.check(quillbox.main)
+
+    def test_empty_folder_stands_out(self):
+        quillbox = self.open_empty_folder()
+        self.check_contrast(quillbox.main, quillbox.table.node)
+
+    def open_empty_folder(self):
+        self.serve({})
+        quillbox = self.start()
+        quillbox.connect()
+        quillbox.wait_for_listing("/", [])
+        return quillbox
+
     def test_selection_of_a_found_device(self):
         self.check(self.open_selection())
+
+    def test_selection_without_devices(self):
+        self.check(self.open_empty_selection())
+
+    def test_list_without_devices_stands_out(self):
+        dialog = self.open_empty_selection()
+        self.check_contrast(dialog, dialog.find("Devices", "list"))
+
+    def open_empty_selection(self):
+        dialog = self.start().open_selection()
+        self.quillbox.found_devices(dialog)
+        return dialog
 
     def test_selection_of_an_address(self):
         dialog = self.start().open_selection()
@@ -243,6 +288,19 @@ class VisibleFocusTest(WindowsCase):
 
     def test_alert(self):
         self.check(self.open_alert())
+
+
+class VisibleFocusInTheDarkTest(VisibleFocusTest):
+    """The same on a dark desktop."""
+
+    def setUp(self):
+        super().setUp()
+        Look(dark=True).put_on(self.desktop)
+
+
+def colours(pixels):
+    """The colours of a picture, a triple for each pixel."""
+    return zip(*[iter(pixels)] * 3)
 
 
 if __name__ == "__main__":

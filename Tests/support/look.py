@@ -98,3 +98,15 @@ def group(name, scheme, background, text):
 def rgb(colour):
     """The settings' way to write a colour."""
     return ",".join(str(int(colour[place:place + 2], 16)) for place in (1, 3, 5))
+
+
+def contrast(one, other):
+    """The contrast of two colours, triples up to 255, as in the W3C's guidelines for accessible content."""
+    darker, brighter = sorted(map(luminance, (one, other)))
+    return (brighter + 0.05) / (darker + 0.05)
+
+
+def luminance(colour):
+    red, green, blue = (part / 12.92 if part <= 0.04045 else ((part + 0.055) / 1.055) ** 2.4
+                        for part in (value / 255 for value in colour))
+    return 0.2126 * red + 0.7152 * green + 0.0722 * blue
