@@ -84,6 +84,8 @@ std::string TranslatedMessage(const std::string& zText) {
     return words == zText ? TranslatedAroundName(zText) : words;
 }
 
+// The compiler checks the arguments by the format.
+// NOLINTNEXTLINE(cert-dcl50-cpp)
 std::string Filled(const char* zSource, ...) {
     const std::string words = Translated(zSource);
     std::va_list arguments;
@@ -93,7 +95,7 @@ std::string Filled(const char* zSource, ...) {
     const int length = std::vsnprintf(nullptr, 0, words.c_str(), arguments);
     va_end(arguments);
     std::string text(static_cast<std::size_t>(std::max(length, 0)), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, words.c_str(), again);
+    static_cast<void>(std::vsnprintf(text.data(), text.size() + 1, words.c_str(), again));
     va_end(again);
     return text;
 }
