@@ -24,7 +24,8 @@ std::string Translated(const std::string& zSource);
 /// name.
 std::string TranslatedMessage(const std::string& zText);
 
-/// A source text in the user's language, filled by printf's rules with whatever it has marks for, however long.
+/// A source text in the user's language, filled by printf's rules with whatever it has marks for, however
+/// long.
 std::string Filled(const char* zSource, ...) __attribute__((format(printf, 1, 2)));
 
 /// What went wrong with something, as in "song.wav - Path too long"; the reason is a source text.

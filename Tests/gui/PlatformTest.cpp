@@ -229,5 +229,3 @@ TEST(UserGuide, OpensTheOneBesideTheProgramFirst) {
 }
 
 } // namespace
-
-#include "PlatformTest.moc"
