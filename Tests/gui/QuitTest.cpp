@@ -35,12 +35,12 @@ void PrintTo(const sSituation& zSituation, std::ostream* zpStream) {
 /// Lets its situations use the fixture's ways.
 class Quitting : public WindowFixture, public ::testing::WithParamInterface<std::tuple<sWay, sSituation>> {
 public:
+    using WindowFixture::Choose;
     using WindowFixture::ConnectTo;
     using WindowFixture::DoubleClickRow;
     using WindowFixture::Key;
     using WindowFixture::kReading;
     using WindowFixture::mDevice;
-    using WindowFixture::Choose;
     using WindowFixture::mWindow;
     using WindowFixture::Press;
 
